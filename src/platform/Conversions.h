@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+// The conversions that the screens apply to values read from controls and recordsets.
+// Each throws platform::Error with the platform's number where a conversion fails.
+namespace platform {
+
+// Text of a value; a Null (invalid or null QVariant) fails with 94 "Invalid use of Null".
+QString CStr(const QVariant& value);
+// Trimmed text of a value; fails on Null like CStr.
+QString TrimStr(const QVariant& value);
+// 16-bit signed integer, rounded half to even: 6 "Overflow" outside -32768..32767,
+// 13 "Type mismatch" for a text that is no number, 94 for Null.
+qint16 CInt(const QVariant& value);
+// 32-bit signed integer, the same rules for its range.
+qint32 CLng(const QVariant& value);
+// A double: 13 for a text that is no number, 94 for Null.
+double CDbl(const QVariant& value);
+// The number at the start of a text, 0 when it starts with none; never fails.
+double Val(const QString& text);
+// True for a Null value.
+bool IsNull(const QVariant& value);
+
+} // namespace platform

@@ -1,0 +1,23 @@
+#include "MousePointer.h"
+
+#include <QGuiApplication>
+
+namespace platform {
+
+namespace {
+int g_pointer = vbDefault;
+}
+
+void setMousePointer(int code) {
+    if (code == g_pointer)
+        return;
+    if (g_pointer == vbHourglass && qGuiApp)
+        QGuiApplication::restoreOverrideCursor();
+    g_pointer = code;
+    if (code == vbHourglass && qGuiApp)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+int mousePointer() { return g_pointer; }
+
+} // namespace platform

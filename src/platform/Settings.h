@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace platform {
+
+// The per-user settings store, by application, section and key.
+QString GetSetting(const QString& appName, const QString& section, const QString& key,
+                   const QString& defaultValue = QString());
+void SaveSetting(const QString& appName, const QString& section, const QString& key, const QString& value);
+
+} // namespace platform

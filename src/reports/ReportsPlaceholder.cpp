@@ -1,0 +1,1 @@
+// The report layer: filled in by the report engine.

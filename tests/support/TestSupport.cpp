@@ -1,0 +1,95 @@
+#include "TestSupport.h"
+
+#include "datastore/Schema.h"
+#include "session/GenMod.h"
+#include "session/Session.h"
+
+#include <QDir>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QUuid>
+#include <QtTest>
+
+namespace testsupport {
+
+namespace {
+template <class F> auto withDb(const QString& path, F f) {
+    const QString name = QStringLiteral("testsupport-") + QUuid::createUuid().toString();
+    decltype(f(std::declval<QSqlDatabase&>())) result{};
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        if (!db.open())
+            qFatal("cannot open test database: %s", qPrintable(db.lastError().text()));
+        result = f(db);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return result;
+}
+} // namespace
+
+TestEnvironment::TestEnvironment(bool withDatabase) {
+    QStandardPaths::setTestModeEnabled(true);
+    platform::test::enable();
+    platform::test::setAppPath(m_dir.path());
+    platform::test::setSettingsFolder(QDir(m_dir.path()).filePath(QStringLiteral("settings")));
+    platform::test::takeMessages();
+    platform::test::takeStartedCommands();
+    QDir(m_dir.path()).mkpath(QStringLiteral("Database/Backup"));
+    if (withDatabase)
+        createDatabase();
+}
+
+TestEnvironment::~TestEnvironment() {
+    GenMod::Conn.reset();
+    platform::test::setAppPath(QString());
+}
+
+QString TestEnvironment::appPath() const { return m_dir.path(); }
+QString TestEnvironment::databasePath() const { return db::databaseFile(); }
+
+void TestEnvironment::createDatabase() {
+    db::createDatabase(databasePath(), GenMod::ScrambleText(QStringLiteral("admin")),
+                       GenMod::ScrambleText(QStringLiteral("admin")));
+}
+
+void TestEnvironment::removeDatabase() { QFile::remove(databasePath()); }
+
+void TestEnvironment::exec(const QString& sql) const {
+    withDb(databasePath(), [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (!q.exec(sql))
+            qFatal("test statement failed: %s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return 0;
+    });
+}
+
+QVariant TestEnvironment::scalar(const QString& sql) const {
+    return withDb(databasePath(), [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (!q.exec(sql))
+            qFatal("test query failed: %s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return q.next() ? q.value(0) : QVariant();
+    });
+}
+
+int TestEnvironment::count(const QString& table) const {
+    return scalar(QStringLiteral("select count(*) from \"%1\"").arg(table)).toInt();
+}
+
+void setSession(qint16 userID, const QString& rights) {
+    Session::CurrentUserID = userID;
+    Session::UserRights = rights;
+}
+
+QStringList messages() {
+    QStringList out;
+    for (const auto& m : platform::test::takeMessages())
+        out << QString::number(m.style) + QLatin1Char(':') + m.text;
+    return out;
+}
+
+} // namespace testsupport

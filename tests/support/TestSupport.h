@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/TestHooks.h"
+
+#include <QString>
+#include <QTemporaryDir>
+#include <QVariant>
+
+namespace testsupport {
+
+// A program folder of its own for one test: a temporary folder holding Database/Vorlane.mdb
+// (created with the first user "admin"/"admin", level Modify), a settings folder, and the
+// platform stand-ins in test mode. Nothing of the user's own configuration is touched.
+class TestEnvironment {
+  public:
+    explicit TestEnvironment(bool withDatabase = true);
+    ~TestEnvironment();
+
+    QString appPath() const;
+    QString databasePath() const;
+    void createDatabase();
+    void removeDatabase();
+
+    // Runs statements directly on the embedded file, for setting up and checking data.
+    void exec(const QString& sql) const;
+    QVariant scalar(const QString& sql) const;
+    int count(const QString& table) const;
+
+  private:
+    QTemporaryDir m_dir;
+};
+
+// Logs in as a user of the given level without the login screen.
+void setSession(qint16 userID, const QString& rights);
+
+// The message boxes shown since the last call, as "style:text" lines.
+QStringList messages();
+
+} // namespace testsupport
