@@ -18,7 +18,9 @@ namespace platform {
 namespace {
 constexpr int ItemDataRole = Qt::UserRole;
 
-Error invalidIndex() { return Error(381, QStringLiteral("Invalid property array index")); }
+Error invalidIndex() {
+    return Error(381, QStringLiteral("Invalid property array index"));
+}
 } // namespace
 
 // ---- ComboBox
@@ -48,7 +50,9 @@ qint32 ComboBox::ItemData(int index) const {
     return itemData(index, ItemDataRole).toInt();
 }
 
-void ComboBox::setItemData(int index, qint32 value) { QComboBox::setItemData(index, value, ItemDataRole); }
+void ComboBox::setItemData(int index, qint32 value) {
+    QComboBox::setItemData(index, value, ItemDataRole);
+}
 
 void ComboBox::Clear() {
     clear();
@@ -177,7 +181,9 @@ DatePicker::DatePicker(QWidget* parent)
     connect(m_edit, &QDateEdit::dateChanged, this, [this](const QDate&) { emitIfChanged(); });
 }
 
-QVariant DatePicker::Value() const { return m_check->isChecked() ? QVariant(m_edit->date()) : QVariant(); }
+QVariant DatePicker::Value() const {
+    return m_check->isChecked() ? QVariant(m_edit->date()) : QVariant();
+}
 
 void DatePicker::setValue(const QVariant& value) {
     m_setting = true;
@@ -193,7 +199,9 @@ void DatePicker::setValue(const QVariant& value) {
     emit Change();
 }
 
-void DatePicker::setCustomFormat(const QString& format) { m_edit->setDisplayFormat(format); }
+void DatePicker::setCustomFormat(const QString& format) {
+    m_edit->setDisplayFormat(format);
+}
 
 void DatePicker::emitIfChanged() {
     if (m_setting)

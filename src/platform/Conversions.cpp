@@ -9,9 +9,15 @@
 namespace platform {
 
 namespace {
-Error invalidUseOfNull() { return Error(94, QStringLiteral("Invalid use of Null")); }
-Error typeMismatch() { return Error(ErrTypeMismatch, QStringLiteral("Type mismatch")); }
-Error overflow() { return Error(ErrOverflow, QStringLiteral("Overflow")); }
+Error invalidUseOfNull() {
+    return Error(94, QStringLiteral("Invalid use of Null"));
+}
+Error typeMismatch() {
+    return Error(ErrTypeMismatch, QStringLiteral("Type mismatch"));
+}
+Error overflow() {
+    return Error(ErrOverflow, QStringLiteral("Overflow"));
+}
 
 double toNumber(const QVariant& value) {
     if (IsNull(value))
@@ -36,10 +42,14 @@ double toNumber(const QVariant& value) {
     }
 }
 
-double roundHalfEven(double x) { return std::nearbyint(x); }
+double roundHalfEven(double x) {
+    return std::nearbyint(x);
+}
 } // namespace
 
-bool IsNull(const QVariant& value) { return !value.isValid() || value.isNull(); }
+bool IsNull(const QVariant& value) {
+    return !value.isValid() || value.isNull();
+}
 
 QString CStr(const QVariant& value) {
     if (IsNull(value))
@@ -49,7 +59,9 @@ QString CStr(const QVariant& value) {
     return value.toString();
 }
 
-QString TrimStr(const QVariant& value) { return CStr(value).trimmed(); }
+QString TrimStr(const QVariant& value) {
+    return CStr(value).trimmed();
+}
 
 qint16 CInt(const QVariant& value) {
     const double rounded = roundHalfEven(toNumber(value));
@@ -65,10 +77,13 @@ qint32 CLng(const QVariant& value) {
     return static_cast<qint32>(rounded);
 }
 
-double CDbl(const QVariant& value) { return toNumber(value); }
+double CDbl(const QVariant& value) {
+    return toNumber(value);
+}
 
 double Val(const QString& text) {
-    static const QRegularExpression number(QStringLiteral("^\\s*([-+]?\\d*\\.?\\d+(?:[eE][-+]?\\d+)?|[-+]?\\d+\\.?)"));
+    static const QRegularExpression number(
+        QStringLiteral("^\\s*([-+]?\\d*\\.?\\d+(?:[eE][-+]?\\d+)?|[-+]?\\d+\\.?)"));
     const auto match = number.match(text);
     if (!match.hasMatch())
         return 0;

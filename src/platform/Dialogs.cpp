@@ -14,15 +14,16 @@ QString qtFilter(const QString& filter) {
     const QStringList parts = filter.split(QLatin1Char('|'));
     QStringList out;
     for (int i = 0; i + 1 < parts.size(); i += 2)
-        out << parts[i] + QStringLiteral(" (") + QString(parts[i + 1]).replace(QLatin1Char(';'), QLatin1Char(' ')) +
-                   QLatin1Char(')');
+        out << parts[i] + QStringLiteral(" (") +
+                   QString(parts[i + 1]).replace(QLatin1Char(';'), QLatin1Char(' ')) + QLatin1Char(')');
     if (parts.size() % 2 == 1 && !parts.last().isEmpty())
         out << parts.last();
     return out.join(QStringLiteral(";;"));
 }
 } // namespace
 
-QString showOpenDialog(QWidget* owner, const QString& title, const QString& filter, const QString& initialDir) {
+QString showOpenDialog(QWidget* owner, const QString& title, const QString& filter,
+                       const QString& initialDir) {
     auto& state = detail::testState();
     if (state.enabled)
         return state.openFiles.isEmpty() ? QString() : state.openFiles.dequeue();

@@ -32,8 +32,12 @@ QString Dir(const QString& path) {
     return info.fileName();
 }
 
-bool fileExists(const QString& path) { return QFileInfo(path).isFile(); }
-bool folderExists(const QString& path) { return QFileInfo(path).isDir(); }
+bool fileExists(const QString& path) {
+    return QFileInfo(path).isFile();
+}
+bool folderExists(const QString& path) {
+    return QFileInfo(path).isDir();
+}
 
 void FileCopy(const QString& source, const QString& destination) {
     if (!QFileInfo(source).isFile())

@@ -1,5 +1,6 @@
 #include "MousePointer.h"
 
+#include <QCursor>
 #include <QGuiApplication>
 
 namespace platform {
@@ -15,9 +16,11 @@ void setMousePointer(int code) {
         QGuiApplication::restoreOverrideCursor();
     g_pointer = code;
     if (code == vbHourglass && qGuiApp)
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
 }
 
-int mousePointer() { return g_pointer; }
+int mousePointer() {
+    return g_pointer;
+}
 
 } // namespace platform

@@ -8,7 +8,9 @@
 
 namespace platform {
 
-QString appTitle() { return QStringLiteral("Vorlane"); }
+QString appTitle() {
+    return QStringLiteral("Vorlane");
+}
 
 int MsgBox(const QString& prompt, int style) {
     const bool yesNo = (style & 7) == vbYesNo;

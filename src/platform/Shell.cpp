@@ -14,7 +14,9 @@ namespace platform {
 namespace {
 // Splits a command line: a program in double quotes or up to the first blank, then the
 // arguments as the shell would split them.
-QStringList splitCommandLine(const QString& commandLine) { return QProcess::splitCommand(commandLine); }
+QStringList splitCommandLine(const QString& commandLine) {
+    return QProcess::splitCommand(commandLine);
+}
 
 bool programExists(const QString& program) {
     if (program.contains(QLatin1Char('/')))
@@ -46,7 +48,8 @@ bool PrevInstance() {
     if (lock)
         return false;
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
-    auto* candidate = new QLockFile(QDir(folder).filePath(QStringLiteral("Vorlane-%1.lock").arg(qEnvironmentVariable("USER"))));
+    auto* candidate = new QLockFile(
+        QDir(folder).filePath(QStringLiteral("Vorlane-%1.lock").arg(qEnvironmentVariable("USER"))));
     candidate->setStaleLockTime(0);
     if (!candidate->tryLock(0)) {
         delete candidate;

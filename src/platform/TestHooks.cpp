@@ -13,8 +13,12 @@ namespace platform::test {
 
 using detail::testState;
 
-void enable() { testState().enabled = true; }
-bool enabled() { return testState().enabled; }
+void enable() {
+    testState().enabled = true;
+}
+bool enabled() {
+    return testState().enabled;
+}
 
 QList<Message> takeMessages() {
     QList<Message> shown;
@@ -22,9 +26,15 @@ QList<Message> takeMessages() {
     return shown;
 }
 
-void answerNext(int answer) { testState().answers.enqueue(answer); }
-void nextOpenFile(const QString& path) { testState().openFiles.enqueue(path); }
-void nextFolder(const QString& path) { testState().folders.enqueue(path); }
+void answerNext(int answer) {
+    testState().answers.enqueue(answer);
+}
+void nextOpenFile(const QString& path) {
+    testState().openFiles.enqueue(path);
+}
+void nextFolder(const QString& path) {
+    testState().folders.enqueue(path);
+}
 
 QStringList takeStartedCommands() {
     QStringList started;
@@ -32,8 +42,14 @@ QStringList takeStartedCommands() {
     return started;
 }
 
-void setShellChecksProgram(bool check) { testState().shellChecksProgram = check; }
-void setAppPath(const QString& folder) { testState().appPath = folder; }
-void setSettingsFolder(const QString& folder) { testState().settingsFolder = folder; }
+void setShellChecksProgram(bool check) {
+    testState().shellChecksProgram = check;
+}
+void setAppPath(const QString& folder) {
+    testState().appPath = folder;
+}
+void setSettingsFolder(const QString& folder) {
+    testState().settingsFolder = folder;
+}
 
 } // namespace platform::test

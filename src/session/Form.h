@@ -9,7 +9,8 @@ class QMdiSubWindow;
 
 // The lifecycle that all screens share: one process-wide instance per screen, created on
 // first use. Its window and controls are built when it loads and destroyed when it unloads,
-// while the instance's own values (such as EditMode and CurrentRowID) live on.
+// while the instance's own values (such as EditMode and CurrentRowID) live on. Instances live
+// until the process ends (they are never destroyed, so no window outlives the application).
 class Form : public QObject {
     Q_OBJECT
   public:
@@ -22,6 +23,9 @@ class Form : public QObject {
     // Loads the screen if needed (builds its controls and runs Form_Load), shows it and
     // brings it to the front. A child screen shows inside the main window.
     void Show();
+    // Loads the screen if needed as a window owned by `owner` and shows it modally: returns
+    // when it is closed.
+    void ShowModal(QWidget* owner);
     // Destroys the window; nothing is asked.
     void Unload();
 

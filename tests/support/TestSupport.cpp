@@ -48,15 +48,21 @@ TestEnvironment::~TestEnvironment() {
     platform::test::setAppPath(QString());
 }
 
-QString TestEnvironment::appPath() const { return m_dir.path(); }
-QString TestEnvironment::databasePath() const { return db::databaseFile(); }
+QString TestEnvironment::appPath() const {
+    return m_dir.path();
+}
+QString TestEnvironment::databasePath() const {
+    return db::databaseFile();
+}
 
 void TestEnvironment::createDatabase() {
     db::createDatabase(databasePath(), GenMod::ScrambleText(QStringLiteral("admin")),
                        GenMod::ScrambleText(QStringLiteral("admin")));
 }
 
-void TestEnvironment::removeDatabase() { QFile::remove(databasePath()); }
+void TestEnvironment::removeDatabase() {
+    QFile::remove(databasePath());
+}
 
 void TestEnvironment::exec(const QString& sql) const {
     withDb(databasePath(), [&](QSqlDatabase& db) {

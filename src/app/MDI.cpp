@@ -1,0 +1,349 @@
+#include "MDI.h"
+
+#include "ToolbarNames.h"
+#include "frmAbout.h"
+#include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/MsgBox.h"
+#include "platform/Shell.h"
+#include "session/Session.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QHash>
+#include <QKeyEvent>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMenuBar>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+#include <QVBoxLayout>
+
+namespace {
+
+QHash<QString, std::function<void()>>& openers() {
+    static QHash<QString, std::function<void()>> table;
+    return table;
+}
+
+std::function<void()> g_onEnd = [] { QCoreApplication::exit(0); };
+
+QString str(std::string_view s) {
+    return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size()));
+}
+
+const ToolbarEntry* findEntry(const QString& name) {
+    for (const auto& e : toolbarEntries)
+        if (str(e.objectName) == name)
+            return &e;
+    return nullptr;
+}
+
+// The main window closes: the program ends at once, whatever is open.
+class MainWindow : public QMainWindow {
+  protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        if (g_onEnd)
+            g_onEnd();
+    }
+};
+
+// The toolbar strip: its own background picture; the mouse moving over its bare part puts
+// every entry back to rest.
+class ToolbarStrip : public QWidget {
+  public:
+    explicit ToolbarStrip(QWidget* parent) : QWidget(parent) { setMouseTracking(true); }
+
+  protected:
+    void mouseMoveEvent(QMouseEvent*) override { MDI::instance().ResetToolbar(); }
+    void paintEvent(QPaintEvent*) override {
+        static const QPixmap background(QStringLiteral(":/images/PBBackground"));
+        QPainter p(this);
+        if (background.isNull())
+            p.fillRect(rect(), QColor(0x22, 0x3a, 0x5e));
+        else
+            p.drawPixmap(QRect(0, 0, width(), qMax(height(), background.height())), background);
+    }
+};
+
+// The frame's area behind the child screens.
+class Frame : public QMdiArea {
+  public:
+    explicit Frame(QWidget* parent) : QMdiArea(parent) {
+        viewport()->setMouseTracking(true);
+        static const QPixmap background(QStringLiteral(":/images/MDIBackground"));
+        if (!background.isNull())
+            setBackground(QBrush(background));
+    }
+
+  protected:
+    bool viewportEvent(QEvent* event) override {
+        if (event->type() == QEvent::MouseMove)
+            MDI::instance().ResetToolbar();
+        return QMdiArea::viewportEvent(event);
+    }
+    void resizeEvent(QResizeEvent* event) override {
+        QMdiArea::resizeEvent(event);
+        static const QPixmap background(QStringLiteral(":/images/MDIBackground"));
+        if (!background.isNull())
+            setBackground(QBrush(
+                background.scaled(viewport()->size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
+    }
+};
+
+} // namespace
+
+// ---- ImageControl
+
+ImageControl::ImageControl(QWidget* parent) : QLabel(parent) {
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setFixedSize(192, 29);
+    setScaledContents(true);
+}
+
+void ImageControl::mouseMoveEvent(QMouseEvent*) {
+    emit MouseMove();
+}
+
+void ImageControl::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+        emit Click();
+}
+
+void ImageControl::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        emit Click();
+        return;
+    default:
+        QLabel::keyPressEvent(event);
+    }
+}
+
+void ImageControl::focusInEvent(QFocusEvent* event) {
+    QLabel::focusInEvent(event);
+    emit MouseMove(); // a keyboard user sees the entry with the focus lit, as under the mouse
+}
+
+void ImageControl::paintEvent(QPaintEvent* event) {
+    QLabel::paintEvent(event);
+    if (hasFocus()) {
+        QPainter p(this);
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        option.rect = rect().adjusted(1, 1, -1, -1);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &p, this);
+    }
+}
+
+// ---- MDI
+
+MDI& MDI::instance() {
+    static auto* form = new MDI;
+    return *form;
+}
+
+QStringList MDI::ImgListKeys() {
+    return {QStringLiteral("About1"),       QStringLiteral("About2"),       QStringLiteral("Backup1"),
+            QStringLiteral("Backup2"),      QStringLiteral("DocCat1"),      QStringLiteral("DocCat2"),
+            QStringLiteral("DocChildCat1"), QStringLiteral("DocChildCat2"), QStringLiteral("DocSubCat1"),
+            QStringLiteral("DocSubCat2"),   QStringLiteral("DocType1"),     QStringLiteral("DocType2"),
+            QStringLiteral("File1"),        QStringLiteral("File2"),        QStringLiteral("ImpContacts1"),
+            QStringLiteral("ImpContacts2"), QStringLiteral("IndexDoc1"),    QStringLiteral("IndexDoc2"),
+            QStringLiteral("InternetRef1"), QStringLiteral("InternetRef2"), QStringLiteral("Login1"),
+            QStringLiteral("Login2"),       QStringLiteral("Personal1"),    QStringLiteral("Personal2"),
+            QStringLiteral("SearchDoc1"),   QStringLiteral("SearchDoc2"),   QStringLiteral("Settings1"),
+            QStringLiteral("Settings2"),    QStringLiteral("Hand"),         QStringLiteral("Help1"),
+            QStringLiteral("Help2")};
+}
+
+QPixmap MDI::ImgList(const QString& key) {
+    static QHash<QString, QPixmap> pictures;
+    if (pictures.isEmpty())
+        for (const auto& k : ImgListKeys())
+            pictures.insert(k, QPixmap(QStringLiteral(":/images/") + k));
+    return pictures.value(key);
+}
+
+void MDI::setOpener(const QString& entry, std::function<void()> open) {
+    openers().insert(entry, std::move(open));
+}
+void MDI::setOnEnd(std::function<void()> action) {
+    g_onEnd = std::move(action);
+}
+
+QMdiArea* MDI::area() const {
+    return window() ? window()->findChild<QMdiArea*>() : nullptr;
+}
+
+QWidget* MDI::build() {
+    auto* w = new MainWindow;
+    w->setObjectName(QStringLiteral("MDI"));
+    w->setWindowIcon(QIcon(QStringLiteral(":/images/AppIcon")));
+    w->resize(1024, 720);
+
+    auto* central = new QWidget(w);
+    auto* row = new QHBoxLayout(central);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+
+    auto* strip = new ToolbarStrip(central);
+    strip->setObjectName(QStringLiteral("PB"));
+    strip->setFixedWidth(192);
+    strip->setAccessibleName(QStringLiteral("Toolbar"));
+    auto* column = new QVBoxLayout(strip);
+    column->setContentsMargins(0, 8, 0, 8);
+    column->setSpacing(2);
+    QWidget* previous = nullptr;
+    for (const auto& e : toolbarEntries) {
+        auto* img = new ImageControl(strip);
+        const QString name = str(e.objectName);
+        img->setObjectName(name);
+        img->setAccessibleName(str(e.shownName));
+        img->setToolTip(str(e.shownName));
+        column->addWidget(img);
+        connect(img, &ImageControl::MouseMove, this, [this, name] { entryMouseMove(name); });
+        connect(img, &ImageControl::Click, this, [this, name] { entryClick(name); });
+        if (previous)
+            QWidget::setTabOrder(previous, img);
+        previous = img;
+        for (const auto& [line, after] : toolbarSeparators) {
+            if (after != e.objectName)
+                continue;
+            auto* sep = new QFrame(strip);
+            sep->setObjectName(str(line));
+            sep->setFrameShape(QFrame::HLine);
+            sep->setFixedHeight(2);
+            sep->setStyleSheet(QStringLiteral("background-color: white; border: none;"));
+            column->addSpacing(4);
+            column->addWidget(sep);
+            column->addSpacing(4);
+        }
+    }
+    column->addStretch(1);
+
+    auto* frame = new Frame(central);
+    frame->setObjectName(QStringLiteral("MDIArea"));
+    frame->setAccessibleName(QStringLiteral("Screens"));
+    row->addWidget(strip);
+    row->addWidget(frame, 1);
+    w->setCentralWidget(central);
+
+    auto* help = w->menuBar()->addMenu(QStringLiteral("&Help"));
+    help->setObjectName(QStringLiteral("mnuHelp"));
+    help->setTitle(QStringLiteral("Help"));
+    auto* contents = help->addAction(QStringLiteral("Contents"));
+    contents->setObjectName(QStringLiteral("mnuHelpContents"));
+
+    Form::setMdiArea(frame);
+    return w;
+}
+
+void MDI::Form_Load() {
+    window()->setWindowTitle(QStringLiteral("Vorlane"));
+    ResetToolbar();
+    SetToolbarCursor();
+}
+
+QPixmap MDI::pictureOf(const QString& entry, bool hover, bool* ok) const {
+    *ok = true;
+    const ToolbarEntry* e = findEntry(entry);
+    const QString key = str(hover ? e->hoverKey : e->restKey);
+    if (e->replaceableByFile) {
+        // A picture in the Images folder wins; it is looked for again on every pass, so that
+        // a file put in place while the program runs takes effect.
+        const QString file = key + QStringLiteral(".bmp");
+        const QString path = platform::joinPath(platform::appPath(), QStringLiteral("Images/") + file);
+        if (platform::Dir(path) == file) {
+            QPixmap picture(path);
+            *ok = !picture.isNull();
+            return picture;
+        }
+    }
+    return ImgList(key);
+}
+
+void MDI::ResetToolbar() {
+    if (!window())
+        return;
+    for (const auto& e : toolbarEntries) {
+        auto* img = control<ImageControl>(str(e.objectName));
+        bool ok = false;
+        const QPixmap picture = pictureOf(str(e.objectName), false, &ok);
+        if (img && ok) // a file that does not load leaves the earlier picture
+            img->setPixmap(picture);
+    }
+}
+
+void MDI::SetToolbarCursor() {
+    const QPixmap hand = ImgList(QStringLiteral("Hand"));
+    const QCursor cursor = hand.isNull() ? QCursor(Qt::PointingHandCursor) : QCursor(hand, 9, 1);
+    for (auto* img : window()->findChildren<ImageControl*>())
+        img->setCursor(cursor);
+}
+
+void MDI::entryMouseMove(const QString& entry) {
+    ResetToolbar();
+    auto* img = control<ImageControl>(entry);
+    bool ok = false;
+    const QPixmap picture = pictureOf(entry, true, &ok);
+    if (img && ok)
+        img->setPixmap(picture);
+}
+
+void MDI::entryClick(const QString& entry) {
+    if (entry == QLatin1String("ImgAbout")) {
+        ImgAbout_Click();
+        return;
+    }
+    if (entry == QLatin1String("ImgHelp")) {
+        ImgHelp_Click();
+        return;
+    }
+    if (Session::UserRights == QLatin1String("User")) {
+        if (entry == QLatin1String("ImgDataBackup")) {
+            platform::MsgBox(QStringLiteral("You donot have rights to take Backup."),
+                             platform::vbExclamation);
+            return;
+        }
+        if (entry == QLatin1String("ImgSettings")) {
+            platform::MsgBox(QStringLiteral("You donot have rights to change Settings."),
+                             platform::vbExclamation);
+            return;
+        }
+    }
+    open(entry);
+}
+
+void MDI::open(const QString& entry) {
+    const auto opener = openers().value(entry);
+    if (opener)
+        opener();
+}
+
+void MDI::ImgAbout_Click() {
+    try {
+        frmAbout::instance().ShowModal(window());
+    } catch (...) {
+        // the about picture is not worth an error
+    }
+}
+
+void MDI::ImgHelp_Click() {
+    const QString folder = platform::appPath();
+    // The path is not quoted: a folder with a blank in it breaks the viewer's argument.
+    const QString commandLine = platform::joinPath(folder, QStringLiteral("VorlaneHelp")) + QLatin1Char(' ') +
+                                platform::joinPath(folder, QStringLiteral("Vorlane.html"));
+    try {
+        platform::Shell(commandLine, platform::vbNormalFocus);
+    } catch (const platform::Error& e) {
+        platform::MsgBox(e.description(), platform::vbExclamation);
+    }
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "session/Form.h"
+
+#include <QLabel>
+#include <QPixmap>
+#include <functional>
+
+class QMdiArea;
+
+// A toolbar entry: a picture that acts as a button. It reports the mouse moving over it and
+// clicks; from the keyboard it takes the focus, lights up, and Enter or Space clicks it.
+class ImageControl : public QLabel {
+    Q_OBJECT
+  public:
+    explicit ImageControl(QWidget* parent = nullptr);
+  signals:
+    void MouseMove();
+    void Click();
+
+  protected:
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+// The main window "Vorlane": the frame of all child screens, with the picture toolbar `PB`.
+class MDI : public Form {
+    Q_OBJECT
+  public:
+    static MDI& instance();
+
+    // The pictures of the toolbar by key; a null picture for an unknown key.
+    static QPixmap ImgList(const QString& key);
+    static QStringList ImgListKeys();
+
+    // Puts every entry's rest picture back.
+    void ResetToolbar();
+    // Gives every image control of the window the hand pointer.
+    void SetToolbarCursor();
+    // The mouse over an entry: all entries at rest, then this one lit.
+    void entryMouseMove(const QString& entry);
+    // A click on an entry.
+    void entryClick(const QString& entry);
+
+    // What a click on an entry opens; entries without an opener do nothing.
+    static void setOpener(const QString& entry, std::function<void()> open);
+    // What ends the program when the main window closes.
+    static void setOnEnd(std::function<void()> action);
+
+    QMdiArea* area() const;
+
+  protected:
+    QWidget* build() override;
+    void Form_Load() override;
+
+  private:
+    MDI() : Form(false) {}
+    void open(const QString& entry);
+    void ImgAbout_Click();
+    void ImgHelp_Click();
+    QPixmap pictureOf(const QString& entry, bool hover, bool* ok) const;
+};

@@ -1,0 +1,7 @@
+#pragma once
+
+class QApplication;
+
+// Runs the program: the start-up routine, then the events of the screens. Returns the
+// process's exit code.
+int runVorlane(QApplication& app);
