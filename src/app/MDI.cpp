@@ -145,8 +145,13 @@ void ImageControl::paintEvent(QPaintEvent* event) {
 
 // ---- MDI
 
+static void initImages() { Q_INIT_RESOURCE(images); }
+
 MDI& MDI::instance() {
-    static auto* form = new MDI;
+    static auto* form = [] {
+        initImages(); // the pictures live in this library's resources
+        return new MDI;
+    }();
     return *form;
 }
 

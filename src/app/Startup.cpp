@@ -12,7 +12,7 @@ static void initResources() {
 }
 
 int runVorlane(QApplication& app) {
-    initResources();
+    MDI::instance(); // makes the pictures available to every screen
     app.setApplicationName(QStringLiteral("Vorlane"));
     app.setWindowIcon(QIcon(QStringLiteral(":/images/AppIcon")));
     frmLogin::setOnLoggedIn([] { MDI::instance().Show(); });

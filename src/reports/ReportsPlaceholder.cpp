@@ -1,1 +1,0 @@
-// The report layer: filled in by the report engine.

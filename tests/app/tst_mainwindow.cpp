@@ -1,0 +1,181 @@
+#include "app/MDI.h"
+#include "app/frmAbout.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QImage>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMouseEvent>
+#include <QtTest>
+
+using testsupport::messages;
+
+namespace {
+// A child screen standing in for the record screens.
+class frmDummy : public Form {
+  public:
+    frmDummy() : Form(true) {}
+    int loads = 0;
+
+  protected:
+    QWidget* build() override {
+        auto* w = new QWidget;
+        w->setObjectName(QStringLiteral("frmDummy"));
+        return w;
+    }
+    void Form_Load() override { ++loads; }
+};
+} // namespace
+
+class TestMainWindow : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase() {
+        m_env = std::make_unique<testsupport::TestEnvironment>(false);
+        MDI::setOnEnd([] {});
+        MDI::setOpener(QStringLiteral("ImgSettings"), [this] { ++m_opened["ImgSettings"]; });
+        MDI::setOpener(QStringLiteral("ImgDataBackup"), [this] { ++m_opened["ImgDataBackup"]; });
+        MDI::setOpener(QStringLiteral("ImgLogin"), [this] { m_dummy.Show(); });
+        MDI::instance().Show();
+    }
+    void cleanupTestCase() { MDI::instance().Unload(); }
+
+    void theToolbarHasItsEntriesAndPictures() {
+        QWidget* w = MDI::instance().window();
+        QCOMPARE(w->windowTitle(), QStringLiteral("Vorlane"));
+        QCOMPARE(MDI::ImgListKeys().size(), 31);
+        for (const auto& key : MDI::ImgListKeys())
+            QVERIFY2(!MDI::ImgList(key).isNull(), qPrintable(key));
+        const auto entries = w->findChildren<ImageControl*>();
+        QCOMPARE(entries.size(), 15);
+        for (auto* e : entries) {
+            QVERIFY(!e->accessibleName().isEmpty());
+            QVERIFY(e->cursor().shape() == Qt::BitmapCursor); // the hand of the picture list
+        }
+        for (const char* line : {"Line6", "Line1", "Line2", "Line3"})
+            QVERIFY(w->findChild<QWidget*>(line));
+        QVERIFY(w->findChild<QObject*>("mnuHelpContents"));
+    }
+
+    void onlyTheEntryUnderTheMouseIsLit() {
+        hover("ImgFile");
+        QVERIFY(shows("ImgFile", MDI::ImgList("File2")));
+        hover("ImgIndexDoc");
+        QVERIFY(shows("ImgFile", MDI::ImgList("File1")));
+        QVERIFY(shows("ImgIndexDoc", MDI::ImgList("IndexDoc2")));
+        // Over the bare strip every entry goes back to rest.
+        QMouseEvent move(QEvent::MouseMove, QPointF(5, 1000), QPointF(5, 1000), Qt::NoButton, Qt::NoButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(MDI::instance().control<QWidget>("PB"), &move);
+        QVERIFY(shows("ImgIndexDoc", MDI::ImgList("IndexDoc1")));
+    }
+
+    void picturesInTheImagesFolderWin() {
+        QVERIFY(QDir(m_env->appPath()).mkpath("Images"));
+        const QString hoverFile = m_env->appPath() + "/Images/DocType2.bmp";
+        QImage red(192, 29, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        QVERIFY(red.save(hoverFile, "BMP"));
+        MDI::instance().ResetToolbar();
+        QVERIFY(shows("ImgDocType", MDI::ImgList("DocType1"))); // no rest file: the picture list
+        hover("ImgDocType");
+        QVERIFY(shows("ImgDocType", QPixmap::fromImage(red)));
+
+        // A file that does not load leaves the earlier picture, without a message.
+        QFile broken(m_env->appPath() + "/Images/DocCat1.bmp");
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("not a picture");
+        broken.close();
+        MDI::instance().ResetToolbar();
+        QVERIFY(shows("ImgDocCat", MDI::ImgList("DocCat1")));
+
+        // Read again on every pass: a file put in place now takes effect at once.
+        QImage blue = red;
+        blue.fill(Qt::blue);
+        QVERIFY(blue.save(m_env->appPath() + "/Images/DocType1.bmp", "BMP"));
+        MDI::instance().ResetToolbar();
+        QVERIFY(shows("ImgDocType", QPixmap::fromImage(blue)));
+        QVERIFY(QDir(m_env->appPath() + "/Images").removeRecursively());
+        MDI::instance().ResetToolbar();
+        QVERIFY(shows("ImgDocType", MDI::ImgList("DocType1")));
+        QVERIFY(messages().isEmpty());
+    }
+
+    void rightsTestsStopOnlyTheUserLevel() {
+        testsupport::setSession(2, QStringLiteral("User"));
+        click("ImgSettings");
+        click("ImgDataBackup");
+        QCOMPARE(messages(), (QStringList{"48:You donot have rights to change Settings.",
+                                           "48:You donot have rights to take Backup."}));
+        QCOMPARE(m_opened.value("ImgSettings"), 0);
+        for (const char* level : {"Save", "Modify", ""}) {
+            testsupport::setSession(2, QString::fromLatin1(level));
+            click("ImgSettings");
+            click("ImgDataBackup");
+        }
+        QVERIFY(messages().isEmpty());
+        QCOMPARE(m_opened.value("ImgSettings"), 3);
+        QCOMPARE(m_opened.value("ImgDataBackup"), 3);
+    }
+
+    void aSecondClickRaisesTheOpenScreen() {
+        testsupport::setSession(2, QStringLiteral("User"));
+        click("ImgLogin"); // "User" may open every other screen
+        click("ImgLogin");
+        QCOMPARE(m_dummy.loads, 1);
+        auto* area = MDI::instance().area();
+        QCOMPARE(area->subWindowList().size(), 1);
+        QCOMPARE(area->activeSubWindow()->widget(), m_dummy.window());
+        m_dummy.Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        click("ImgLogin");
+        QCOMPARE(m_dummy.loads, 2);
+        m_dummy.Unload();
+    }
+
+    void aboutClosesOnAClickOfThePictureOrTheX() {
+        click("ImgAbout");
+        QVERIFY(frmAbout::instance().isLoaded());
+        QVERIFY(frmAbout::instance().window()->isModal());
+        QTest::mouseClick(frmAbout::instance().window(), Qt::LeftButton, {}, QPoint(100, 100));
+        QVERIFY(!frmAbout::instance().isLoaded());
+        click("ImgAbout");
+        QTest::mouseClick(frmAbout::instance().control<QWidget>("lblClose"), Qt::LeftButton);
+        QVERIFY(!frmAbout::instance().isLoaded());
+    }
+
+    void everyHelpClickStartsAViewer() {
+        platform::test::takeStartedCommands();
+        click("ImgHelp");
+        click("ImgHelp");
+        const QStringList started = platform::test::takeStartedCommands();
+        const QString expected = m_env->appPath() + "/VorlaneHelp " + m_env->appPath() + "/Vorlane.html";
+        QCOMPARE(started, (QStringList{expected, expected}));
+        // A viewer that cannot start is reported, and the window goes on.
+        platform::test::setShellChecksProgram(true);
+        click("ImgHelp");
+        platform::test::setShellChecksProgram(false);
+        QCOMPARE(messages(), QStringList{"48:File not found"});
+    }
+
+  private:
+    ImageControl* entry(const char* name) { return MDI::instance().control<ImageControl>(QString::fromLatin1(name)); }
+    void hover(const char* name) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(10, 10), QPointF(10, 10), Qt::NoButton, Qt::NoButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(entry(name), &move);
+    }
+    void click(const char* name) { QTest::mouseClick(entry(name), Qt::LeftButton); }
+    bool shows(const char* name, const QPixmap& picture) {
+        return entry(name)->pixmap().toImage().convertToFormat(QImage::Format_RGB32) ==
+               picture.toImage().convertToFormat(QImage::Format_RGB32);
+    }
+
+    std::unique_ptr<testsupport::TestEnvironment> m_env;
+    QHash<QString, int> m_opened;
+    frmDummy m_dummy;
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"

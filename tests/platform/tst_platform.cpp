@@ -1,0 +1,177 @@
+#include "platform/Controls.h"
+#include "platform/Conversions.h"
+#include "platform/Dialogs.h"
+#include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/MsgBox.h"
+#include "platform/Settings.h"
+#include "platform/Shell.h"
+#include "platform/TestHooks.h"
+
+#include <QDateEdit>
+#include <QFile>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace platform;
+
+class TestPlatform : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase() {
+        QStandardPaths::setTestModeEnabled(true);
+        test::enable();
+        test::setAppPath(m_dir.path());
+        test::setSettingsFolder(m_dir.filePath(QStringLiteral("settings")));
+    }
+
+    void messageBoxesAreRecordedAndAnswered() {
+        QCOMPARE(MsgBox(QStringLiteral("Saved Successfully."), vbInformation), int(vbOK));
+        // A question unanswered by the test is answered No, never Yes by accident.
+        QCOMPARE(MsgBox(QStringLiteral("Proceed?"), vbYesNo + vbInformation), int(vbNo));
+        test::answerNext(vbYes);
+        QCOMPARE(MsgBox(QStringLiteral("Proceed?"), 68), int(vbYes));
+        const auto shown = test::takeMessages();
+        QCOMPARE(shown.size(), 3);
+        QCOMPARE(shown[0].text, QStringLiteral("Saved Successfully."));
+        QCOMPARE(shown[0].style, 64);
+        QCOMPARE(shown[2].style, 68);
+        QVERIFY(test::takeMessages().isEmpty());
+    }
+
+    void conversionsFailAsThePlatformDoes() {
+        QCOMPARE(CInt(QVariant(32767)), qint16(32767));
+        QCOMPARE(CInt(QVariant(2.5)), qint16(2)); // half to even
+        QCOMPARE(CInt(QVariant(QStringLiteral(" 12 "))), qint16(12));
+        auto number = [](auto f) {
+            try {
+                f();
+            } catch (const Error& e) {
+                return e.number();
+            }
+            return 0;
+        };
+        QCOMPARE(number([] { CInt(QVariant(32768)); }), ErrOverflow);
+        QCOMPARE(number([] { CInt(QVariant(QStringLiteral("abc"))); }), ErrTypeMismatch);
+        QCOMPARE(number([] { CStr(QVariant()); }), 94);
+        QCOMPARE(number([] { CLng(QVariant(2147483648.0)); }), ErrOverflow);
+        QCOMPARE(Val(QStringLiteral("42abc")), 42.0);
+        QCOMPARE(Val(QStringLiteral("abc")), 0.0);
+        QCOMPARE(Val(QString()), 0.0);
+    }
+
+    void settingsRoundTripInTheTestFolder() {
+        QCOMPARE(GetSetting("Vorlane", "Settings", "Word", "none"), QStringLiteral("none"));
+        SaveSetting("Vorlane", "Settings", "Word", "/usr/bin/writer");
+        QCOMPARE(GetSetting("Vorlane", "Settings", "Word"), QStringLiteral("/usr/bin/writer"));
+        QVERIFY(QFile::exists(m_dir.filePath(QStringLiteral("settings/Vorlane.conf"))));
+    }
+
+    void dialogsReturnWhatTheTestPrimed() {
+        test::nextOpenFile(QStringLiteral("/tmp/a.pdf"));
+        QCOMPARE(showOpenDialog(nullptr, "Open", "PDF|*.pdf"), QStringLiteral("/tmp/a.pdf"));
+        QCOMPARE(showOpenDialog(nullptr, "Open", "PDF|*.pdf"), QString()); // cancel
+        test::nextFolder(QStringLiteral("/tmp"));
+        QCOMPARE(browseForFolder(QStringLiteral("/"), nullptr, "Pick"), QStringLiteral("/tmp"));
+        QCOMPARE(browseForFolder(QStringLiteral("/"), nullptr, "Pick"), QString());
+    }
+
+    void shellRecordsAndReportsAMissingProgram() {
+        Shell(QStringLiteral("/bin/true one two"));
+        Shell(QStringLiteral("/bin/true one two"));
+        QCOMPARE(test::takeStartedCommands().size(), 2);
+        test::setShellChecksProgram(true);
+        try {
+            Shell(QStringLiteral("/no/such/viewer file.txt"));
+            QFAIL("a missing program must fail");
+        } catch (const Error& e) {
+            QCOMPARE(e.number(), ErrFileNotFound);
+            QCOMPARE(e.description(), QStringLiteral("File not found"));
+        }
+        test::setShellChecksProgram(false);
+        QVERIFY(test::takeStartedCommands().isEmpty());
+    }
+
+    void filesAnswerByPlainName() {
+        const QString path = joinPath(appPath(), QStringLiteral("Images\\DocType1.bmp"));
+        QVERIFY(path.startsWith(m_dir.path()));
+        QVERIFY(path.endsWith(QStringLiteral("Images/DocType1.bmp")));
+        QCOMPARE(Dir(path), QString());
+        QDir(m_dir.path()).mkpath(QStringLiteral("Images"));
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.close();
+        QCOMPARE(Dir(path), QStringLiteral("DocType1.bmp"));
+        FileCopy(path, path + QStringLiteral(".copy"));
+        QVERIFY(fileExists(path + QStringLiteral(".copy")));
+        SetAttr(path + QStringLiteral(".copy"), vbReadOnly);
+        QCOMPARE(GetAttr(path + QStringLiteral(".copy")) & vbReadOnly, int(vbReadOnly));
+        SetAttr(path + QStringLiteral(".copy"), vbNormal);
+        Kill(path + QStringLiteral(".copy"));
+        QVERIFY(!fileExists(path + QStringLiteral(".copy")));
+        QVERIFY_THROWS_EXCEPTION(Error, Kill(path + QStringLiteral(".copy")));
+    }
+
+    void comboAndListRaiseClickWhenSetFromCode() {
+        ComboBox combo;
+        QSignalSpy clicks(&combo, &ComboBox::Click);
+        combo.AddItem(QStringLiteral("Bills"));
+        combo.setItemData(combo.NewIndex(), 7);
+        combo.AddItem(QStringLiteral("Letters"));
+        combo.setItemData(combo.NewIndex(), 9);
+        combo.setListIndex(1);
+        combo.setListIndex(1); // the same index again still clicks
+        QCOMPARE(clicks.count(), 2);
+        QCOMPARE(combo.ItemData(1), 9);
+        combo.setListIndex(-1);
+        QCOMPARE(combo.ListIndex(), -1);
+        QVERIFY_THROWS_EXCEPTION(Error, combo.ItemData(5));
+        combo.Clear();
+        QVERIFY_THROWS_EXCEPTION(Error, combo.setListIndex(0));
+
+        ListBox list;
+        QSignalSpy dbl(&list, &ListBox::DblClick);
+        list.AddItem(QStringLiteral("one"));
+        list.setItemData(0, 40000);
+        QCOMPARE(list.ItemData(0), 40000);
+        list.setListIndex(0);
+        QTest::keyClick(&list, Qt::Key_Return); // Enter works as a double click
+        QCOMPARE(dbl.count(), 1);
+    }
+
+    void datePickerIsDateOrNullAndChangesFromCode() {
+        DatePicker picker;
+        QSignalSpy changes(&picker, &DatePicker::Change);
+        QVERIFY(!picker.Value().isValid());
+        picker.setValue(QDate(2026, 3, 5));
+        QCOMPARE(picker.Value().toDate(), QDate(2026, 3, 5));
+        picker.setValue(QVariant());
+        QVERIFY(!picker.Value().isValid());
+        QCOMPARE(changes.count(), 2);
+        picker.checkBox()->setChecked(true); // the user ticks the box
+        QCOMPARE(changes.count(), 3);
+        QCOMPARE(picker.Value().toDate(), QDate(2026, 3, 5));
+    }
+
+    void clearingAFormLeavesPickersAlone() {
+        QWidget form;
+        auto* title = new QLineEdit(QStringLiteral("x"), &form);
+        auto* remarks = new QPlainTextEdit(QStringLiteral("y"), &form);
+        auto* picker = new DatePicker(&form);
+        picker->setValue(QDate(2020, 1, 2));
+        QCOMPARE(textBoxes(&form).size(), 2);
+        clearTextBoxes(&form);
+        QVERIFY(title->text().isEmpty());
+        QVERIFY(remarks->toPlainText().isEmpty());
+        QCOMPARE(picker->Value().toDate(), QDate(2020, 1, 2));
+    }
+
+  private:
+    QTemporaryDir m_dir;
+};
+
+QTEST_MAIN(TestPlatform)
+#include "tst_platform.moc"

@@ -1,0 +1,165 @@
+#include "platform/Controls.h"
+#include "session/GenMod.h"
+#include "session/Session.h"
+#include "support/TestSupport.h"
+
+#include <QtTest>
+
+using namespace GenMod;
+using testsupport::messages;
+
+namespace {
+const QString Critical = QStringLiteral("16:");
+}
+
+class TestGenMod : public QObject {
+    Q_OBJECT
+  private slots:
+    void init() {
+        m_env = std::make_unique<testsupport::TestEnvironment>();
+        QVERIFY(OpenConnection());
+        messages();
+    }
+    void cleanup() {
+        CloseConnection();
+        m_env.reset();
+    }
+
+    void fixQuotesSwapsEveryApostrophe() {
+        QCOMPARE(FixQuotes(QStringLiteral("O'Brien's file")), QStringLiteral("O`Brien`s file"));
+        QCOMPARE(FixQuotes(QStringLiteral("plain")), QStringLiteral("plain"));
+        QCOMPARE(FixQuotes(QString()), QString());
+    }
+
+    void scrambleTextIsItsOwnInverseOnTheCodePage() {
+        QCOMPARE(ScrambleText(QStringLiteral("A")), QString(QChar(190)));
+        QCOMPARE(ScrambleText(ScrambleText(QStringLiteral("Admin 2026!"))), QStringLiteral("Admin 2026!"));
+        // The bytes the code page leaves undefined survive the round trip.
+        QCOMPARE(ScrambleText(QStringLiteral("~")), QString(QChar(0x81)));
+        QCOMPARE(ScrambleText(ScrambleText(QStringLiteral("~rpob"))), QStringLiteral("~rpob"));
+        // The euro sign is byte 0x80 and comes back; a character outside the code page is "?".
+        QCOMPARE(ScrambleText(ScrambleText(QStringLiteral("\u20AC"))), QStringLiteral("\u20AC"));
+        QCOMPARE(ScrambleText(QStringLiteral("\u03A9")), ScrambleText(QStringLiteral("?")));
+        QCOMPARE(ScrambleText(QStringLiteral("\U0001F600")), ScrambleText(QStringLiteral("?")));
+        // Code 216 becomes the apostrophe that breaks a statement.
+        QCOMPARE(ScrambleText(QString(QChar(216))), QStringLiteral("'"));
+        QCOMPARE(ScrambleText(QString()), QString());
+    }
+
+    void getFieldValueAndRecordExists() {
+        m_env->exec("insert into File values(1,'  F-1  ',NULL,1)");
+        QCOMPARE(GetFieldValue("FileNumber", "File where FileID=1"), QStringLiteral("  F-1  "));
+        QCOMPARE(GetFieldValue("Particulars", "File where FileID=1"), QStringLiteral("0"));
+        QCOMPARE(GetFieldValue("FileNumber", "File where FileID=2"), QString());
+        QVERIFY(RecordExists("FileID", "File where FileNumber='  f-1  '"));
+        QVERIFY(!RecordExists("FileID", "File where FileID=2"));
+        QVERIFY(messages().isEmpty());
+
+        QCOMPARE(GetFieldValue("FileNumber", "NoSuchTable"), QString());
+        QVERIFY(!RecordExists("FileID", "File where FileNumber='O'Brien'"));
+        const QStringList shown = messages();
+        QCOMPARE(shown.size(), 2);
+        QVERIFY(shown[0].startsWith(Critical));
+        QVERIFY(shown[1].startsWith(Critical));
+    }
+
+    void fillsTrimAndStopAtANull() {
+        m_env->exec("insert into DocumentType values(1,'  Bills ',1)");
+        m_env->exec("insert into DocumentType values(2,'   ',1)");
+        m_env->exec("insert into DocumentType values(3,NULL,1)");
+        m_env->exec("insert into DocumentType values(4,'Zeta',1)");
+        platform::ListBox list;
+        list.AddItem(QStringLiteral("stale"));
+        FillList("TypeID, DocType", "DocumentType where TypeID<3 order by TypeID", &list);
+        QCOMPARE(list.ListCount(), 2);
+        QCOMPARE(list.item(0)->text(), QStringLiteral("Bills"));
+        QCOMPARE(list.item(1)->text(), QString());
+        QCOMPARE(list.ItemData(1), 2);
+        QCOMPARE(list.ListIndex(), -1);
+        QVERIFY(messages().isEmpty());
+
+        FillList("TypeID, DocType", "DocumentType order by TypeID", &list);
+        QCOMPARE(list.ListCount(), 2); // stops at the NULL, keeps what came before
+        QVERIFY(messages().value(0).startsWith(Critical));
+
+        platform::ComboBox combo;
+        FillCombo("TypeID, DocType", "DocumentType where TypeID=99", &combo);
+        QCOMPARE(combo.ListCount(), 0);
+        QVERIFY(messages().isEmpty());
+        FillCombo("TypeID, DocType", "DocumentType where TypeID in (1,4) order by DocType", &combo);
+        QCOMPARE(combo.ItemData(1), 4);
+
+        m_env->exec("insert into Logins values(2,'" + ScrambleText("clerk") + "','x',1,0,0,1)");
+        FillUserList("UserID, UserName", "Logins order by UserID", &list);
+        QCOMPARE(list.item(0)->text(), QStringLiteral("admin"));
+        QCOMPARE(list.item(1)->text(), QStringLiteral("clerk"));
+    }
+
+    void findItemIndexSelectsTheFirstItemOnTheWay() {
+        platform::ComboBox combo;
+        for (int key : {5, 7, 7}) {
+            combo.AddItem(QString::number(key));
+            combo.setItemData(combo.NewIndex(), key);
+        }
+        int clicks = 0;
+        connect(&combo, &platform::ComboBox::Click, this, [&] { ++clicks; });
+        QCOMPARE(FindItemIndex("7", &combo), 1);
+        QCOMPARE(clicks, 1);
+        QCOMPARE(FindItemIndex("8", &combo), -1);
+        QCOMPARE(combo.ListIndex(), 0);
+        QVERIFY(messages().isEmpty());
+
+        QCOMPARE(FindItemIndex("seven", &combo), -1);
+        platform::ComboBox empty;
+        QCOMPARE(FindItemIndex("7", &empty), -1);
+        const QStringList shown = messages();
+        QCOMPARE(shown.size(), 2);
+        QVERIFY(shown[0].startsWith(Critical));
+    }
+
+    void nextIdFollowsTheHighestKey() {
+        QCOMPARE(NextID("TypeID", "DocumentType"), 1);
+        m_env->exec("insert into DocumentType values(7,'Bills',1)");
+        QCOMPARE(NextID("TypeID", "DocumentType"), 8);
+        m_env->exec("insert into DocumentType values(2147483647,'Last',1)");
+        QCOMPARE(NextID("TypeID", "DocumentType"), 0);
+        QVERIFY(messages().value(0).startsWith(Critical));
+    }
+
+    void readUserRightsTakesTheFirstSetColumn() {
+        const auto rights = [&](int view, int save, int modify) {
+            m_env->exec(QStringLiteral("update Logins set \"View\"=%1, \"Save\"=%2, \"Modify\"=%3").arg(view).arg(save).arg(modify));
+            return ReadUserRights("Select UserID, View, Save, Modify from Logins where UserID=1");
+        };
+        Session::CurrentUserID = 0;
+        QCOMPARE(rights(1, 0, 1), QStringLiteral("User"));
+        QCOMPARE(Session::CurrentUserID, qint16(1));
+        QCOMPARE(rights(0, 1, 0), QStringLiteral("Save"));
+        QCOMPARE(rights(0, 0, 1), QStringLiteral("Modify"));
+        QCOMPARE(rights(0, 0, 0), QString());
+        Session::CurrentUserID = 5;
+        QCOMPARE(ReadUserRights("Select UserID, View, Save, Modify from Logins where UserID=9"), QString());
+        QCOMPARE(Session::CurrentUserID, qint16(5));
+        QVERIFY(messages().isEmpty());
+        QCOMPARE(ReadUserRights("Select UserID, Nothing from Logins"), QString());
+        QVERIFY(messages().value(0).startsWith(Critical));
+    }
+
+    void openConnectionReportsAMissingDatabaseUntilItComesBack() {
+        CloseConnection();
+        const QString path = m_env->databasePath();
+        QVERIFY(QFile::rename(path, path + ".away"));
+        QVERIFY(!OpenConnection());
+        QCOMPARE(messages(), QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
+        QVERIFY(!QFile::exists(path)); // never created by the program
+        QVERIFY(QFile::rename(path + ".away", path));
+        QVERIFY(OpenConnection());
+        QVERIFY(messages().isEmpty());
+    }
+
+  private:
+    std::unique_ptr<testsupport::TestEnvironment> m_env;
+};
+
+QTEST_MAIN(TestGenMod)
+#include "tst_genmod.moc"

@@ -1,0 +1,151 @@
+#include "session/GenMod.h"
+#include "session/Session.h"
+#include "session/frmLogin.h"
+#include "support/TestSupport.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QtTest>
+
+using testsupport::messages;
+
+class TestLogin : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase() {
+        frmLogin::setOnLoggedIn([this] { ++m_loggedIn; });
+        frmLogin::setOnEnd([this] { ++m_ended; });
+    }
+    void init() {
+        m_env = std::make_unique<testsupport::TestEnvironment>();
+        testsupport::setSession(0, QString());
+        m_loggedIn = 0;
+        frmLogin::instance().Show();
+        messages();
+    }
+    void cleanup() {
+        frmLogin::instance().Unload();
+        m_env.reset();
+    }
+
+    void emptyFieldsAreAskedForInOrder() {
+        login("   ", "   ");
+        QCOMPARE(messages(), QStringList{"48:Please specify Username."});
+        login("admin", "");
+        QCOMPARE(messages(), QStringList{"48:Please specify Password."});
+        QCOMPARE(m_loggedIn, 0);
+    }
+
+    void goodLoginFillsTheSessionAndOpensTheMainWindow() {
+        login("  admin ", " admin  ");
+        QVERIFY(messages().isEmpty());
+        QCOMPARE(m_loggedIn, 1);
+        QVERIFY(!frmLogin::instance().isLoaded());
+        QCOMPARE(Session::UserRights, QStringLiteral("Modify"));
+        QCOMPARE(Session::CurrentUserID, qint16(1));
+        QVERIFY(!GenMod::Conn);
+    }
+
+    void wrongPasswordKeepsTheScreenAsItWas() {
+        login("admin", "Admin");
+        QCOMPARE(messages(), QStringList{"48:Invalid Username or Password."});
+        QCOMPARE(box("txtUserName")->text(), QStringLiteral("admin"));
+        QCOMPARE(box("txtPassword")->text(), QStringLiteral("Admin"));
+        login("admin", "admin"); // no limit on attempts
+        QCOMPARE(m_loggedIn, 1);
+    }
+
+    void craftedNamesNeverLogAnyoneIn_data() {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("password");
+        // Texts that scramble into clauses of the login's statement.
+        const auto s = [](const char* t) { return GenMod::ScrambleText(QString::fromLatin1(t)); };
+        QTest::newRow("or clause in both") << s("x' or 'a'='a") << s("x' or 'a'='a");
+        QTest::newRow("real name, or clause") << QStringLiteral("admin") << s("x' or '1'='1");
+        QTest::newRow("comment") << s("admin'--") << QStringLiteral("anything");
+        QTest::newRow("second statement") << s("x'; delete from Logins; select '") << QStringLiteral("pw");
+        QTest::newRow("quote from code 216") << QString(QChar(216)) << QString(QChar(216));
+        QTest::newRow("outside the code page") << QStringLiteral("\u03A9\u4E2D") << QStringLiteral("\U0001F600");
+        QTest::newRow("double quotes") << s("\"admin\"") << s("\"admin\"");
+    }
+    void craftedNamesNeverLogAnyoneIn() {
+        QFETCH(QString, user);
+        QFETCH(QString, password);
+        login(user, password);
+        QCOMPARE(m_loggedIn, 0);
+        QCOMPARE(messages().last(), QStringLiteral("48:Invalid Username or Password."));
+        QCOMPARE(m_env->count("Logins"), 1);
+        QVERIFY(frmLogin::instance().isLoaded());
+    }
+
+    void longPastedTextIsCutAtTheLimit() {
+        box("txtUserName")->insert(QString(10000, QLatin1Char('a')));
+        QCOMPARE(box("txtUserName")->text().size(), 50);
+        box("txtPassword")->setText(QStringLiteral("admin"));
+        QTest::mouseClick(button("cmdLogin"), Qt::LeftButton);
+        QCOMPARE(messages(), QStringList{"48:Invalid Username or Password."});
+    }
+
+    void missingDatabaseKeepsTheScreenUntilItComesBack() {
+        const QString path = m_env->databasePath();
+        QVERIFY(QFile::rename(path, path + ".away"));
+        login("admin", "admin");
+        QCOMPARE(messages(), QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
+        QVERIFY(frmLogin::instance().isLoaded());
+        QVERIFY(QFile::rename(path + ".away", path));
+        QTest::mouseClick(button("cmdLogin"), Qt::LeftButton);
+        QCOMPARE(m_loggedIn, 1);
+    }
+
+    void aFailedRightsReadStillLogsIn() {
+        // A Logins table without its rights columns: the rights cannot be read.
+        m_env->exec("create table L2 as select UserID, UserName, Password, UpdatedBy from Logins");
+        m_env->exec("drop table Logins");
+        m_env->exec("alter table L2 rename to Logins");
+        Session::UserRights = QStringLiteral("stale");
+        login("admin", "admin");
+        const QStringList shown = messages();
+        QCOMPARE(shown.size(), 1);
+        QVERIFY(shown[0].startsWith("16:"));
+        QCOMPARE(m_loggedIn, 1);
+        QVERIFY(Session::UserRights.isEmpty());
+    }
+
+    void keyboardWorksTheScreen() {
+        auto* user = box("txtUserName");
+        QCOMPARE(user->accessibleName(), QStringLiteral("Username :"));
+        QCOMPARE(box("txtPassword")->accessibleName(), QStringLiteral("Password :"));
+        QCOMPARE(box("txtPassword")->echoMode(), QLineEdit::Password);
+        QCOMPARE(user->nextInFocusChain(), box("txtPassword"));
+        QVERIFY(button("cmdLogin")->isDefault());
+        user->setText(QStringLiteral("admin"));
+        box("txtPassword")->setText(QStringLiteral("admin"));
+        QTest::keyClick(box("txtPassword"), Qt::Key_Return);
+        QCOMPARE(m_loggedIn, 1);
+    }
+
+    void escapeAndCancelEndTheProgram() {
+        const int before = m_ended;
+        QTest::keyClick(box("txtUserName"), Qt::Key_Escape);
+        QTest::mouseClick(button("cmdCancel"), Qt::LeftButton);
+        QCOMPARE(m_ended, before + 2);
+    }
+
+  private:
+    QLineEdit* box(const char* name) { return frmLogin::instance().control<QLineEdit>(QString::fromLatin1(name)); }
+    QPushButton* button(const char* name) {
+        return frmLogin::instance().control<QPushButton>(QString::fromLatin1(name));
+    }
+    void login(const QString& user, const QString& password) {
+        box("txtUserName")->setText(user);
+        box("txtPassword")->setText(password);
+        QTest::mouseClick(button("cmdLogin"), Qt::LeftButton);
+    }
+
+    std::unique_ptr<testsupport::TestEnvironment> m_env;
+    int m_loggedIn = 0;
+    int m_ended = 0;
+};
+
+QTEST_MAIN(TestLogin)
+#include "tst_login.moc"
