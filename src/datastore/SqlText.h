@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <QVector>
+#include <optional>
+
+// The pieces of a statement as the screens write it. Shared by the dialects and the recordset.
+namespace db::sql {
+
+enum class TokenKind {
+    Space,
+    Word, // identifier or keyword
+    Number,
+    String,      // '...' with '' inside; text holds the whole literal, quotes included
+    Quoted,      // "..." ; text holds the content
+    Bracketed,   // `...` or [...] ; text holds the content
+    DateLiteral, // #...# ; text holds the content
+    Semicolon,
+    Punct,
+};
+
+struct Token {
+    TokenKind kind;
+    QString text;
+};
+
+// Splits `statement` into tokens. Throws platform::Error(ErrStatement) on an unterminated
+// quote, a comment ("--" or "/*") outside quotes, or an unknown character.
+QVector<Token> tokenize(const QString& statement);
+
+// The content of a '...' literal with its doubled quotes undone.
+QString stringValue(const QString& literal);
+// A '...' literal holding `value`.
+QString quoteString(const QString& value);
+
+// "dd-MMM-yy", "dd/MMM/yyyy" (and the other separator or year width), month names in the
+// running locale or English. Two-digit years 30-99 are 19xx, 00-29 are 20xx.
+std::optional<QDate> parseScreenDate(const QString& text);
+
+bool isKeyword(const Token& t, const char* keyword);
+
+} // namespace db::sql

@@ -1,0 +1,143 @@
+#include "datastore/Ado.h"
+#include "datastore/Dialect.h"
+
+#include <QLocale>
+#include <QtTest>
+
+namespace {
+
+QString translated(const QString& statement) {
+    return db::SqliteDialect().translate(statement);
+}
+
+int refusal(const QString& statement) {
+    try {
+        db::SqliteDialect().translate(statement);
+    } catch (const platform::Error& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+} // namespace
+
+class DialectTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void namesAreQuotedWithTheirSpelling_data();
+    void namesAreQuotedWithTheirSpelling();
+    void dateLiterals_data();
+    void dateLiterals();
+    void datesInInsertAndUpdateFollowTheSchema();
+    void quotedTextsAreLeftAlone();
+    void refusedStatements_data();
+    void refusedStatements();
+};
+
+void DialectTest::namesAreQuotedWithTheirSpelling_data() {
+    QTest::addColumn<QString>("in");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("reserved names bare")
+        << "Select UserID, View, Save, Modify from Logins where UserName='a'"
+        << "Select \"UserID\", \"View\", \"Save\", \"Modify\" from \"Logins\" "
+           "where \"UserName\"='a'";
+    QTest::newRow("any case, aliases and functions untouched")
+        << "Select I.*,F.Filenumber from vorlane I left join FILE F on F.fileID=I.FileID order by I.docDate"
+        << "Select I.*,F.\"FileNumber\" from \"Vorlane\" I left join \"File\" F on F.\"FileID\"=I.\"FileID\" "
+           "order by I.\"DocDate\"";
+    QTest::newRow("max") << "Select Max(TypeID) from DocumentType"
+                         << "Select Max(\"TypeID\") from \"DocumentType\"";
+    QTest::newRow("back-ticks") << "SELECT * FROM `Personal`"
+                                << "SELECT * FROM \"Personal\"";
+    QTest::newRow("references") << "Insert into References values(1,'a','b','c',1)"
+                                << "Insert into \"References\" values(1,'a','b','c',1)";
+    QTest::newRow("lone trailing semicolon") << "Delete from FieldCaptions;"
+                                             << "Delete from \"FieldCaptions\"";
+}
+
+void DialectTest::namesAreQuotedWithTheirSpelling() {
+    QFETCH(QString, in);
+    QFETCH(QString, out);
+    QCOMPARE(translated(in), out);
+}
+
+void DialectTest::dateLiterals_data() {
+    QTest::addColumn<QString>("in");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("search form, 20xx") << "I.DocDate >= #05-Mar-26#"
+                                       << "I.\"DocDate\" >= '2026-03-05'";
+    QTest::newRow("search form, 19xx") << "I.DocDate <=#31-dec-30#"
+                                       << "I.\"DocDate\" <='1930-12-31'";
+    QTest::newRow("two-digit 29 is 2029") << "#1-Jan-29#"
+                                          << "'2029-01-01'";
+    QTest::newRow("purge form") << "Delete from Vorlane where DocDate < #07/Feb/2011#"
+                                << "Delete from \"Vorlane\" where \"DocDate\" < '2011-02-07'";
+    QTest::newRow("long English month") << "#05/March/2026#"
+                                        << "'2026-03-05'";
+    const QLocale system = QLocale::system();
+    QTest::newRow("month of the running locale")
+        << QStringLiteral("#05/%1/2026#").arg(system.monthName(3, QLocale::ShortFormat)) << "'2026-03-05'";
+}
+
+void DialectTest::dateLiterals() {
+    QFETCH(QString, in);
+    QFETCH(QString, out);
+    QCOMPARE(translated(in), out);
+}
+
+void DialectTest::datesInInsertAndUpdateFollowTheSchema() {
+    // Titles that read like dates stay texts; only the date columns are converted.
+    QCOMPARE(
+        translated("Insert into Vorlane Values(1, "
+                   "'05/Mar/2026','06/Mar/2026',1,2,3,4,'05/Mar/2026','t2','c:\\a.pdf',"
+                   "5,'b','r',1)"),
+        QStringLiteral("Insert into \"Vorlane\" Values(1, '2026-03-05','2026-03-06',1,2,3,4,'05/Mar/2026',"
+                       "'t2','c:\\a.pdf',5,'b','r',1)"));
+    QCOMPARE(translated("Update Vorlane set DocDate='05/Mar/2026', title1='05/Mar/2026', FollowupDate='' "
+                        "where IndexID=3"),
+             QStringLiteral("Update \"Vorlane\" set \"DocDate\"='2026-03-05', \"Title1\"='05/Mar/2026', "
+                            "\"FollowupDate\"='' where \"IndexID\"=3"));
+    // A text in a where clause is no assignment.
+    QCOMPARE(translated("Update Vorlane set Remarks='x' where Title1='05/Mar/2026'"),
+             QStringLiteral("Update \"Vorlane\" set \"Remarks\"='x' where \"Title1\"='05/Mar/2026'"));
+    // The working table of the report takes any text in its "date" columns.
+    QCOMPARE(translated("Insert into PrintSearchResult (DocDate) values ('05/Mar/2026')"),
+             QStringLiteral("Insert into \"PrintSearchResult\" (\"DocDate\") values ('05/Mar/2026')"));
+    // An invalid text stays as it is.
+    QCOMPARE(translated("Insert into Vorlane Values(1,'31/Feb/2026','x',1,2,3,4,'a','b','c',5,'d','e',1)"),
+             QStringLiteral(
+                 "Insert into \"Vorlane\" Values(1,'31/Feb/2026','x',1,2,3,4,'a','b','c',5,'d','e',1)"));
+}
+
+void DialectTest::quotedTextsAreLeftAlone() {
+    // Scrambled texts: any character, doubled quotes, look-alikes of names, comments and dates.
+    const QString scrambled = QStringLiteral("\"\x01\u0081;--/*#1-Jan-99# View ''x");
+    const QString stmt = QStringLiteral("Select UserID from Logins where UserName='%1'").arg(scrambled);
+    QCOMPARE(translated(stmt),
+             QStringLiteral("Select \"UserID\" from \"Logins\" where \"UserName\"='%1'").arg(scrambled));
+}
+
+void DialectTest::refusedStatements_data() {
+    QTest::addColumn<QString>("statement");
+    QTest::newRow("second statement") << "Delete from File; Delete from Logins";
+    QTest::newRow("line comment") << "Select * from Logins where UserName='a' -- and Password='b'";
+    QTest::newRow("block comment") << "Select * from Logins /* x */";
+    QTest::newRow("bad date literal") << "Select * from Vorlane where DocDate < #31-Feb-26#";
+    QTest::newRow("unknown month") << "Select * from Vorlane where DocDate < #05-Foo-26#";
+    QTest::newRow("unterminated date") << "Select * from Vorlane where DocDate < #05-Mar-26";
+    // A quote inside a scrambled name leaves the statement's quotes unbalanced.
+    QTest::newRow("quote in name")
+        << "Select UserID, View, Save, Modify from Logins where UserName='ab'c' and Password='x'";
+    QTest::newRow("quote that opens a second statement")
+        << "Select UserID from Logins where UserName='a';delete from Logins;' and Password='x'";
+    QTest::newRow("quote that comments out the password")
+        << "Select UserID from Logins where UserName='admin'--' and Password='x'";
+}
+
+void DialectTest::refusedStatements() {
+    QFETCH(QString, statement);
+    QCOMPARE(refusal(statement), db::ErrStatement);
+}
+
+QTEST_GUILESS_MAIN(DialectTest)
+#include "tst_dialect.moc"
