@@ -30,6 +30,14 @@ QString showOpenDialog(QWidget* owner, const QString& title, const QString& filt
     return QFileDialog::getOpenFileName(owner, title, initialDir, qtFilter(filter));
 }
 
+QString showSaveDialog(QWidget* owner, const QString& title, const QString& filter,
+                       const QString& initialPath) {
+    auto& state = detail::testState();
+    if (state.enabled)
+        return state.saveFiles.isEmpty() ? QString() : state.saveFiles.dequeue();
+    return QFileDialog::getSaveFileName(owner, title, initialPath, qtFilter(filter));
+}
+
 QString browseForFolder(const QString& startFolder, QWidget* owner, const QString& title) {
     auto& state = detail::testState();
     if (state.enabled)

@@ -11,6 +11,11 @@ namespace platform {
 QString showOpenDialog(QWidget* owner, const QString& title, const QString& filter,
                        const QString& initialDir = QString());
 
+// The file-save dialog, same filter form as showOpenDialog; asks before overwriting a file.
+// Returns the chosen path, or an empty string on cancel.
+QString showSaveDialog(QWidget* owner, const QString& title, const QString& filter,
+                       const QString& initialPath = QString());
+
 // The folder browser: starts in `startFolder`, returns the chosen folder or an empty string on cancel.
 QString browseForFolder(const QString& startFolder, QWidget* owner, const QString& title);
 

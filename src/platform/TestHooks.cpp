@@ -32,6 +32,9 @@ void answerNext(int answer) {
 void nextOpenFile(const QString& path) {
     testState().openFiles.enqueue(path);
 }
+void nextSaveFile(const QString& path) {
+    testState().saveFiles.enqueue(path);
+}
 void nextFolder(const QString& path) {
     testState().folders.enqueue(path);
 }

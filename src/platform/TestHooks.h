@@ -25,6 +25,8 @@ void answerNext(int answer);
 
 // The next file-open dialog returns `path`; an empty string stands for Cancel.
 void nextOpenFile(const QString& path);
+// The next file-save dialog returns `path`; an empty string stands for Cancel.
+void nextSaveFile(const QString& path);
 // The next folder browser returns `path`; an empty string stands for Cancel.
 void nextFolder(const QString& path);
 

@@ -12,6 +12,7 @@ struct TestState {
     QList<test::Message> messages;
     QQueue<int> answers;
     QQueue<QString> openFiles;
+    QQueue<QString> saveFiles;
     QQueue<QString> folders;
     QStringList started;
     bool shellChecksProgram = false;
