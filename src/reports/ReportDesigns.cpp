@@ -1,0 +1,278 @@
+#include "ReportDesigns.h"
+
+namespace reports::designs {
+
+namespace {
+
+constexpr double W = kToRightMargin;
+
+// Type faces of the lists: a centred title, bold headings between rules, plain rows.
+const FontSpec kTitle{15.0, true};
+const FontSpec kHeading{9.0, true};
+const FontSpec kRow{9.0};
+const FontSpec kFooter{8.0};
+// The letterhead is set in a serif face.
+const FontSpec kLhName{20.0, true, false, true};
+const FontSpec kLhLine{10.5, false, false, true};
+const FontSpec kLhLabel{10.0, true, false, true};
+const FontSpec kLhValue{10.0, false, false, true};
+
+Control label(const QString& name, const QString& caption, double left, double top, double width,
+              double height, FontSpec font = kHeading, Align align = Align::Left) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::Label;
+    c.caption = caption;
+    c.left = left, c.top = top, c.width = width, c.height = height;
+    c.font = font;
+    c.align = align;
+    return c;
+}
+
+enum Grow { Fixed, Grows };
+
+Control box(const QString& name, const QString& field, double left, double top, double width, double height,
+            Grow grow = Fixed, FontSpec font = kRow, Align align = Align::Left) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::TextBox;
+    c.dataField = field;
+    c.left = left, c.top = top, c.width = width, c.height = height;
+    c.font = font;
+    c.align = align;
+    c.canGrow = grow == Grows;
+    return c;
+}
+
+// A horizontal rule across the body unless a width is given.
+Control rule(const QString& name, double top, double left = 0, double width = W, double thickness = 0.8) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::Line;
+    c.left = left, c.top = top, c.width = width, c.height = 0;
+    c.lineWidth = thickness;
+    return c;
+}
+
+Section section(const QString& name, SectionKind kind, double height, QVector<Control> controls = {}) {
+    Section s;
+    s.name = name;
+    s.kind = kind;
+    s.height = height;
+    s.controls = std::move(controls);
+    return s;
+}
+
+ReportDesign design(const QString& name, const QString& title, const QString& dataMember,
+                    Section reportHeader, Section pageHeader, Section detail, Section pageFooter,
+                    Section reportFooter) {
+    ReportDesign d;
+    d.name = name;
+    d.title = title;
+    d.dataMember = dataMember;
+    d.sections = {reportHeader, pageHeader, detail, pageFooter, reportFooter};
+    return d;
+}
+
+Section reportHeader(double height = 0, QVector<Control> controls = {}) {
+    return section(QStringLiteral("ReportHeader"), SectionKind::ReportHeader, height, std::move(controls));
+}
+Section pageHeader(double height, QVector<Control> controls = {}) {
+    return section(QStringLiteral("PageHeader"), SectionKind::PageHeader, height, std::move(controls));
+}
+Section detail(const QString& command, double height, QVector<Control> controls) {
+    return section(command + QStringLiteral("_Detail"), SectionKind::Detail, height, std::move(controls));
+}
+Section pageFooter(double height, QVector<Control> controls = {}) {
+    return section(QStringLiteral("PageFooter"), SectionKind::PageFooter, height, std::move(controls));
+}
+Section reportFooter() {
+    return section(QStringLiteral("ReportFooter"), SectionKind::ReportFooter, 0);
+}
+
+// The page number of the lists, centred under a rule.
+Section numberedFooter(const QString& labelName, const QString& caption, const QString& ruleName) {
+    QVector<Control> controls;
+    if (!ruleName.isEmpty())
+        controls << rule(ruleName, 8, 0, W, 0.5);
+    controls << label(labelName, caption, 0, 13, W, 12, kFooter, Align::Center);
+    return pageFooter(28, controls);
+}
+
+} // namespace
+
+// The designs read as tables: name, caption or field, left, top, width, height, and style.
+// clang-format off
+
+ReportDesign RptFileList() {
+    return design(QStringLiteral("RptFileList"), QStringLiteral("File List"), QStringLiteral("cmdFileList"),
+                  reportHeader(),
+                  pageHeader(62, {
+                      label("Label4", "File List",        0,  0, W,   22, kTitle, Align::Center),
+                      rule ("Line2",                      34),
+                      label("Label1", "File Number",      4, 40, 140, 13),
+                      label("Label2", "Particulars",    154, 40, W,   13),
+                      rule ("Line3",                      57),
+                  }),
+                  detail("cmdFileList", 19, {
+                      box("txtFileNumber", "FileNumber",    4, 3, 140, 13, Grows),
+                      box("txtParticulars", "Particulars", 154, 3, W,   13, Grows),
+                  }),
+                  numberedFooter("Label3", "%p of %P", "Line1"),
+                  reportFooter());
+}
+
+ReportDesign RptInternetRef() {
+    return design(QStringLiteral("RptInternetRef"), QStringLiteral("Internet References"),
+                  QStringLiteral("cmdInternetRefList"),
+                  reportHeader(),
+                  pageHeader(62, {
+                      label("Label4", "Internet References List",        0,  0, W,   22, kTitle, Align::Center),
+                      rule ("Line1",                                     34),
+                      label("Label1", "Reference Name & Particulars",    4, 40, 230, 13),
+                      label("Label3", "Online Link",                   246, 40, W,   13),
+                      rule ("Line2",                                     57),
+                  }),
+                  detail("cmdInternetRefList", 34, {
+                      box("txtRefName",     "RefName",       4,  3, 230, 13, Fixed, FontSpec{9.0, true}),
+                      box("txtParticulars", "Particulars",   4, 17, 230, 13, Grows),
+                      box("txtOnlineLink",  "OnlineLink",  246,  3, W,   13),
+                  }),
+                  numberedFooter("Label2", "%p of %P", "Line4"),
+                  reportFooter());
+}
+
+ReportDesign RptContactList() {
+    // Columns: name, the three address lines, the four numbers with their labels, remarks.
+    return design(QStringLiteral("RptContactList"), QStringLiteral("Important Contact List"),
+                  QStringLiteral("cmdContactList"),
+                  reportHeader(),
+                  pageHeader(62, {
+                      label("Label1", "Important Contact List",   0,  0, W,   22, kTitle, Align::Center),
+                      rule ("Line1",                              34),
+                      label("Label2", "Contact Name",             4, 40, 108, 13),
+                      label("Label3", "Address",                118, 40, 110, 13),
+                      label("Label4", "Contact Details",        234, 40, 150, 13),
+                      label("Label5", "Remarks",                390, 40, W,   13),
+                      rule ("Line2",                              57),
+                  }),
+                  detail("cmdContactList", 62, {
+                      box  ("txtFullName", "FullName",   4,  3, 108, 12, Grows, FontSpec{9.0, true}),
+                      box  ("txtAdd1",     "Add1",     118,  3, 110, 12),
+                      box  ("txtAdd2",     "Add2",     118, 16, 110, 12),
+                      box  ("txtAdd3",     "Add3",     118, 29, 110, 12),
+                      label("Label7",      "Phone:",   234,  3,  34, 12, kRow),
+                      box  ("txtPhone",    "Phone",    270,  3, 114, 12),
+                      label("Label8",      "Cell:",    234, 16,  34, 12, kRow),
+                      box  ("txtCell",     "Cell",     270, 16, 114, 12),
+                      label("Label9",      "Fax:",     234, 29,  34, 12, kRow),
+                      box  ("txtFax",      "Fax",      270, 29, 114, 12),
+                      label("Label10",     "Email:",   234, 42,  34, 12, kRow),
+                      box  ("txtEmail",    "Email",    270, 42, 114, 12, Grows),
+                      box  ("txtRemarks",  "Remarks",  390,  3, W,   12, Grows),
+                      rule ("Line3",                    58, 0, W, 0.4),
+                  }),
+                  numberedFooter("Label6", "Page %p of %P", QString()),
+                  reportFooter());
+}
+
+ReportDesign rptSearchReport() {
+    // Four columns of two lines each; the headings wrap inside their two-line boxes.
+    return design(QStringLiteral("rptSearchReport"), QStringLiteral("Search Result"),
+                  QStringLiteral("cmdSearchResult"),
+                  reportHeader(54, {
+                      label("Label2",   "Query:",  0, 0, 42, 13, FontSpec{10.0, true}),
+                      label("lblQuery", "Query",  44, 0, W,  42, FontSpec{10.0}),
+                  }),
+                  pageHeader(38, {
+                      rule ("Line2",                                  0),
+                      label("lblDocTitle1", "Title 1 / Title 2",      4,  5, 150, 13),
+                      label("lblDocTitle2", "Title 1 / Title 2",      4, 18, 150, 13),
+                      label("Label3",       "Doc. Dt / Follow-Up Dt.", 160, 5, 68, 26),
+                      label("Label5",       "Bookmark / Remarks:",   246,  5, 130, 26),
+                      label("Label4",       "File Number / File Path", 382, 5, W,  26),
+                      rule ("Line1",                                 35),
+                  }),
+                  detail("cmdSearchResult", 33, {
+                      box ("txtTitle1",       "Title1",         4,  3, 150, 12, Grows),
+                      box ("txtTitle2",       "Title2",         4, 15, 150, 12, Grows),
+                      box ("txtDocDate",      "DocDate",      160,  3,  80, 12),
+                      box ("txtFollowupDate", "FollowupDate", 160, 15,  80, 12),
+                      box ("txtBookmark",     "Bookmark",     246,  3, 130, 12, Grows),
+                      box ("txtRemarks",      "Remarks",      246, 15, 130, 12, Grows),
+                      box ("txtFileNumber",   "FileNumber",   382,  3, W,   12),
+                      box ("txtFilePath",     "FilePath",     382, 15, W,   12, Grows),
+                      rule("Line3",                            30, 0, W, 0.4),
+                  }),
+                  numberedFooter("Label6", "%p of %P", QString()),
+                  reportFooter());
+}
+
+// The letterhead: the head prints once at the top and the 4-inch footer keeps the rest of
+// the sheet, below the writing space, free.
+static Section letterFooter() { return pageFooter(288); }
+
+ReportDesign RptLetterHead() {
+    // Left-aligned head: everything starts at the left margin.
+    return design(QStringLiteral("RptLetterHead"), QStringLiteral("Letterhead"), QStringLiteral("cmdLetterHead"),
+                  reportHeader(), pageHeader(0),
+                  detail("cmdLetterHead", 122, {
+                      box  ("txtFullName", "FullName",   0,  0, W,   28, Fixed, kLhName),
+                      box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine),
+                      box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine),
+                      box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine),
+                      label("Label2",      "Cell :",     0, 80,  34, 14, kLhLabel),
+                      box  ("txtCell",     "Cell",      36, 80, 120, 14, Fixed, kLhValue),
+                      label("Label1",      "Phone :",  162, 80,  44, 14, kLhLabel),
+                      box  ("txtPhone",    "Phone",    208, 80, 120, 14, Fixed, kLhValue),
+                      label("Label3",      "Fax :",    334, 80,  30, 14, kLhLabel),
+                      box  ("txtFax",      "Fax",      366, 80, 121, 14, Fixed, kLhValue),
+                      label("Label4",      "Email :",    0, 96,  42, 14, kLhLabel),
+                      box  ("txtEmail",    "Email",     44, 96, 280, 14, Fixed, kLhValue),
+                      rule ("Line1",                   116, 0, W, 1.2),
+                  }),
+                  letterFooter(), reportFooter());
+}
+
+ReportDesign RptLetterHead2() {
+    // Centred head: the name and address span the width; the numbers sit further in, the
+    // wide "Cell : " label ending at its field, and the mail address in the middle below.
+    return design(QStringLiteral("RptLetterHead2"), QStringLiteral("Letterhead"), QStringLiteral("cmdLetterHead"),
+                  reportHeader(), pageHeader(0),
+                  detail("cmdLetterHead", 122, {
+                      box  ("txtFullName", "FullName",   0,  0, W,   28, Fixed, kLhName, Align::Center),
+                      box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine, Align::Center),
+                      box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine, Align::Center),
+                      box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine, Align::Center),
+                      label("Label2",      "Cell : ",   24, 80,  72, 14, kLhLabel, Align::Right),
+                      box  ("txtCell",     "Cell",      98, 80, 112, 14, Fixed, kLhValue),
+                      label("Label1",      "Phone :",  214, 80,  44, 14, kLhLabel),
+                      box  ("txtPhone",    "Phone",    260, 80, 104, 14, Fixed, kLhValue),
+                      label("Label3",      "Fax :",    368, 80,  30, 14, kLhLabel),
+                      box  ("txtFax",      "Fax",      400, 80,  87, 14, Fixed, kLhValue),
+                      label("Label4",      "Email :",  150, 96,  44, 14, kLhLabel, Align::Right),
+                      box  ("txtEmail",    "Email",    196, 96, 200, 14, Fixed, kLhValue),
+                      rule ("Line1",                   116, 0, W, 1.2),
+                  }),
+                  letterFooter(), reportFooter());
+}
+
+// clang-format on
+
+ReportDesign byName(const QString& reportName) {
+    using Maker = ReportDesign (*)();
+    static const QList<QPair<QString, Maker>> all = {
+        {QStringLiteral("RptFileList"), &RptFileList},
+        {QStringLiteral("RptInternetRef"), &RptInternetRef},
+        {QStringLiteral("RptContactList"), &RptContactList},
+        {QStringLiteral("rptSearchReport"), &rptSearchReport},
+        {QStringLiteral("RptLetterHead"), &RptLetterHead},
+        {QStringLiteral("RptLetterHead2"), &RptLetterHead2},
+    };
+    for (const auto& [name, make] : all)
+        if (name.compare(reportName, Qt::CaseInsensitive) == 0)
+            return make();
+    return ReportDesign();
+}
+
+} // namespace reports::designs

@@ -1,0 +1,510 @@
+#include "ReportEngine.h"
+
+#include "datastore/Ado.h"
+#include "platform/Error.h"
+
+#include <QFont>
+#include <QFontMetricsF>
+#include <QImage>
+#include <QLocale>
+#include <QPageSize>
+#include <QPainter>
+#include <QPrinterInfo>
+#include <QTextLayout>
+#include <algorithm>
+#include <cmath>
+
+namespace reports {
+
+namespace {
+
+[[noreturn]] void notFound(const QString& what) {
+    throw platform::Error(db::ErrItemNotFound,
+                          QStringLiteral("Item cannot be found in the collection corresponding to the "
+                                         "requested name or ordinal: %1")
+                              .arg(what));
+}
+
+// Text is measured on a fine device so that layouts do not depend on the screen, and scaled
+// back to points.
+constexpr int kMeasureDpi = 1200;
+constexpr double kMeasureScale = kMeasureDpi / 72.0;
+
+const QPaintDevice& measureDevice() {
+    static const QImage device = [] {
+        QImage image(1, 1, QImage::Format_RGB32);
+        const int dpm = qRound(kMeasureDpi / 0.0254);
+        image.setDotsPerMeterX(dpm);
+        image.setDotsPerMeterY(dpm);
+        return image;
+    }();
+    return device;
+}
+
+QFont qfont(const FontSpec& spec) {
+    QFont font;
+    font.setFamilies(spec.serif ? QStringList{QStringLiteral("Liberation Serif"),
+                                              QStringLiteral("Nimbus Roman"), QStringLiteral("DejaVu Serif")}
+                                : QStringList{QStringLiteral("Liberation Sans"),
+                                              QStringLiteral("Nimbus Sans"), QStringLiteral("DejaVu Sans")});
+    font.setStyleHint(spec.serif ? QFont::Serif : QFont::SansSerif);
+    font.setPointSizeF(spec.pointSize);
+    font.setBold(spec.bold);
+    font.setItalic(spec.italic);
+    // Unhinted glyphs scale linearly, so the preview, the PDF and the paper break lines alike.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+double advance(const QString& text, const FontSpec& spec) {
+    return QFontMetricsF(qfont(spec), &measureDevice()).horizontalAdvance(text) / kMeasureScale;
+}
+
+} // namespace
+
+// ---- design ----------------------------------------------------------------------------
+
+Control& Section::Controls(const QString& controlName) {
+    for (auto& c : controls)
+        if (c.name.compare(controlName, Qt::CaseInsensitive) == 0)
+            return c;
+    notFound(controlName);
+}
+
+const Control& Section::Controls(const QString& controlName) const {
+    return const_cast<Section*>(this)->Controls(controlName);
+}
+
+bool Section::hasControl(const QString& controlName) const {
+    return std::any_of(controls.begin(), controls.end(), [&](const Control& c) {
+        return c.name.compare(controlName, Qt::CaseInsensitive) == 0;
+    });
+}
+
+Section& ReportDesign::Sections(const QString& sectionName) {
+    for (auto& s : sections)
+        if (s.name.compare(sectionName, Qt::CaseInsensitive) == 0)
+            return s;
+    notFound(sectionName);
+}
+
+const Section& ReportDesign::Sections(const QString& sectionName) const {
+    return const_cast<ReportDesign*>(this)->Sections(sectionName);
+}
+
+const Section* ReportDesign::section(SectionKind kind) const {
+    for (const auto& s : sections)
+        if (s.kind == kind)
+            return &s;
+    return nullptr;
+}
+
+// ---- data ------------------------------------------------------------------------------
+
+MemoryData::MemoryData(QVector<QHash<QString, QString>> rows) {
+    for (const auto& r : rows)
+        addRow(r);
+}
+
+void MemoryData::addRow(const QHash<QString, QString>& row) {
+    QHash<QString, QString> lowered;
+    for (auto it = row.begin(); it != row.end(); ++it)
+        lowered.insert(it.key().toLower(), it.value());
+    m_rows.append(lowered);
+}
+
+QString MemoryData::value(int row, const QString& field) const {
+    if (row < 0 || row >= m_rows.size())
+        return QString();
+    return m_rows[row].value(field.toLower());
+}
+
+// ---- paper -----------------------------------------------------------------------------
+
+static PageSetup setupFor(QPageSize::PageSizeId id) {
+    PageSetup s;
+    s.paper = QPageSize(id).size(QPageSize::Point);
+    return s;
+}
+
+PageSetup PageSetup::a4() {
+    return setupFor(QPageSize::A4);
+}
+PageSetup PageSetup::letter() {
+    return setupFor(QPageSize::Letter);
+}
+
+PageSetup PageSetup::systemDefault() {
+    const QPrinterInfo printer = QPrinterInfo::defaultPrinter();
+    if (!printer.isNull()) {
+        const QPageSize size = printer.defaultPageSize();
+        if (size.isValid()) {
+            PageSetup s;
+            s.paper = size.size(QPageSize::Point);
+            return s;
+        }
+    }
+    const auto country = QLocale().territory();
+    const bool letterCountry = QLocale().measurementSystem() == QLocale::ImperialUSSystem ||
+                               country == QLocale::Canada || country == QLocale::Mexico ||
+                               country == QLocale::Philippines || country == QLocale::Chile;
+    return letterCountry ? letter() : a4();
+}
+
+// ---- measuring -------------------------------------------------------------------------
+
+double lineHeight(const FontSpec& font) {
+    return QFontMetricsF(qfont(font), &measureDevice()).lineSpacing() / kMeasureScale;
+}
+
+QStringList wrapText(const QString& text, const FontSpec& spec, double width) {
+    QStringList lines;
+    const QFont font = qfont(spec);
+    QString normalised = text;
+    normalised.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+        .replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    for (const QString& paragraph : normalised.split(QLatin1Char('\n'))) {
+        if (paragraph.trimmed().isEmpty()) {
+            lines << QString();
+            continue;
+        }
+        QTextLayout layout(paragraph, font, &measureDevice());
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        layout.setTextOption(option);
+        layout.beginLayout();
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(std::max(1.0, width * kMeasureScale));
+            QString part = paragraph.mid(line.textStart(), line.textLength());
+            while (!part.isEmpty() && part.back().isSpace())
+                part.chop(1);
+            lines << part;
+        }
+        layout.endLayout();
+    }
+    // Trailing blank lines would only make a box taller.
+    while (lines.size() > 1 && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+QString clipToWidth(const QString& text, const FontSpec& font, double width) {
+    QString line = text.section(QLatin1Char('\n'), 0, 0);
+    line.remove(QLatin1Char('\r'));
+    if (advance(line, font) <= width)
+        return line;
+    int lo = 0, hi = int(line.size());
+    while (lo < hi) {
+        const int mid = (lo + hi + 1) / 2;
+        if (advance(line.left(mid), font) <= width)
+            lo = mid;
+        else
+            hi = mid - 1;
+    }
+    return line.left(lo);
+}
+
+// ---- layout ----------------------------------------------------------------------------
+
+namespace {
+
+struct Band {
+    QVector<PageItem> items; // rects relative to the band's top-left corner
+    double height = 0;
+};
+
+double controlWidth(const Control& c, double bodyWidth) {
+    return c.width == kToRightMargin ? std::max(0.0, bodyWidth - c.left) : c.width;
+}
+
+Band buildBand(const Section& section, const ReportData* data, int row, double bodyWidth) {
+    Band band;
+    const int n = int(section.controls.size());
+    struct Placed {
+        const Control* control;
+        double width;
+        QStringList lines;
+        double lineHeight;
+        double growth = 0;
+        double shift = 0;
+    };
+    QVector<Placed> placed;
+    placed.reserve(n);
+    double designBottom = 0;
+    for (const Control& c : section.controls) {
+        Placed p{&c, controlWidth(c, bodyWidth), {}, 0};
+        designBottom = std::max(designBottom, c.top + c.height);
+        if (c.kind != ControlKind::Line) {
+            const QString text = c.kind == ControlKind::Label ? c.caption
+                                 : data                       ? data->value(row, c.dataField)
+                                                              : QString();
+            p.lineHeight = lineHeight(c.font);
+            if (c.canGrow) {
+                p.lines = wrapText(text, c.font, p.width);
+                p.growth = std::max(0.0, p.lines.size() * p.lineHeight - c.height);
+            } else if (c.height >= 2 * p.lineHeight) {
+                // A fixed box of several lines wraps inside itself and clips below.
+                p.lines = wrapText(text, c.font, p.width);
+                const int fit = std::max(1, int(std::floor(c.height / p.lineHeight + 1e-6)));
+                while (p.lines.size() > fit)
+                    p.lines.removeLast();
+            } else {
+                p.lines = QStringList{clipToWidth(text, c.font, p.width)};
+            }
+        }
+        placed.append(p);
+    }
+
+    // A box that grows pushes down whatever stands below it in the same columns.
+    QVector<int> order(n);
+    for (int i = 0; i < n; ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(),
+                     [&](int a, int b) { return section.controls[a].top < section.controls[b].top; });
+    for (int oi = 0; oi < n; ++oi) {
+        Placed& p = placed[order[oi]];
+        const Control& c = *p.control;
+        for (int oj = 0; oj < oi; ++oj) {
+            const Placed& q = placed[order[oj]];
+            const Control& d = *q.control;
+            const bool above = d.top + d.height <= c.top + 0.5;
+            const bool overlaps =
+                d.left < c.left + std::max(p.width, 0.5) && c.left < d.left + std::max(q.width, 0.5);
+            if (above && overlaps)
+                p.shift = std::max(p.shift, q.shift + q.growth);
+        }
+    }
+
+    const double padding = std::max(0.0, section.height - designBottom);
+    band.height = section.height;
+    for (const Placed& p : placed) {
+        const Control& c = *p.control;
+        const double top = c.top + p.shift;
+        band.height = std::max(band.height, top + c.height + p.growth + padding);
+        if (c.kind == ControlKind::Line) {
+            PageItem item;
+            item.kind = ControlKind::Line;
+            item.control = c.name;
+            item.section = section.name;
+            item.rect = QRectF(c.left, top, p.width, c.height);
+            item.lineWidth = c.lineWidth;
+            band.items.append(item);
+            continue;
+        }
+        for (int k = 0; k < p.lines.size(); ++k) {
+            if (p.lines[k].isEmpty())
+                continue;
+            PageItem item;
+            item.kind = c.kind;
+            item.control = c.name;
+            item.section = section.name;
+            item.rect = QRectF(c.left, top + k * p.lineHeight, p.width, p.lineHeight);
+            item.text = p.lines[k];
+            item.font = c.font;
+            item.align = c.align;
+            band.items.append(item);
+        }
+    }
+    return band;
+}
+
+double itemBottom(const PageItem& item) {
+    return item.rect.bottom() + (item.kind == ControlKind::Line ? item.lineWidth / 2 : 0);
+}
+
+class Paginator {
+  public:
+    Paginator(const ReportDesign& design, const PageSetup& setup) : m_design(design), m_setup(setup) {
+        if (const Section* f = design.section(SectionKind::PageFooter))
+            m_footer = buildBand(*f, nullptr, -1, setup.bodyWidth());
+        m_bodyBottom = setup.paper.height() - setup.marginBottom - m_footer.height;
+    }
+
+    void startPage(bool first) {
+        if (!m_pages.isEmpty())
+            finishPage();
+        m_pages.append(Page());
+        m_y = m_setup.marginTop;
+        if (first)
+            if (const Section* s = m_design.section(SectionKind::ReportHeader))
+                put(buildBand(*s, nullptr, -1, m_setup.bodyWidth()));
+        if (const Section* s = m_design.section(SectionKind::PageHeader))
+            put(buildBand(*s, nullptr, -1, m_setup.bodyWidth()));
+        m_contentTop = m_y;
+    }
+
+    void place(Band band) {
+        if (m_y + band.height <= m_bodyBottom + 1e-6) {
+            put(band);
+            return;
+        }
+        if (m_y > m_contentTop + 1e-6) {
+            startPage(false);
+            if (m_y + band.height <= m_bodyBottom + 1e-6) {
+                put(band);
+                return;
+            }
+        }
+        // Taller than a whole page: split between lines, at least one item per page, so that
+        // any text ends however long it is.
+        QVector<PageItem> rest = band.items;
+        double restHeight = band.height;
+        while (true) {
+            const double avail = m_bodyBottom - m_y;
+            QVector<PageItem> now, later;
+            for (const auto& item : rest)
+                (itemBottom(item) <= avail + 1e-6 ? now : later).append(item);
+            if (now.isEmpty() && !later.isEmpty()) {
+                auto first =
+                    std::min_element(later.begin(), later.end(), [](const PageItem& a, const PageItem& b) {
+                        return a.rect.top() < b.rect.top();
+                    });
+                now.append(*first);
+                later.erase(first);
+            }
+            double used = 0;
+            for (const auto& item : now) {
+                used = std::max(used, itemBottom(item));
+                putItem(item, m_y);
+            }
+            if (later.isEmpty()) {
+                m_y += std::min(std::max(used, restHeight), std::max(avail, used));
+                return;
+            }
+            double cut = later.first().rect.top();
+            for (const auto& item : later)
+                cut = std::min(cut, item.rect.top());
+            for (auto& item : later)
+                item.rect.translate(0, -cut);
+            restHeight = std::max(0.0, restHeight - cut);
+            rest = later;
+            startPage(false);
+        }
+    }
+
+    QVector<Page> finish() {
+        if (m_pages.isEmpty())
+            startPage(true);
+        finishPage();
+        const QString count = QString::number(m_pages.size());
+        for (int i = 0; i < m_pages.size(); ++i)
+            for (auto& item : m_pages[i].items)
+                if (item.text.contains(QLatin1Char('%')))
+                    item.text.replace(QStringLiteral("%P"), count)
+                        .replace(QStringLiteral("%p"), QString::number(i + 1));
+        return m_pages;
+    }
+
+  private:
+    void put(const Band& band) {
+        for (const auto& item : band.items)
+            putItem(item, m_y);
+        m_y += band.height;
+    }
+
+    void putItem(PageItem item, double top) {
+        item.rect.translate(m_setup.marginLeft, top);
+        m_pages.last().items.append(item);
+    }
+
+    void finishPage() {
+        const double top = m_setup.paper.height() - m_setup.marginBottom - m_footer.height;
+        for (const auto& item : m_footer.items)
+            putItem(item, top);
+    }
+
+    const ReportDesign& m_design;
+    const PageSetup& m_setup;
+    Band m_footer;
+    QVector<Page> m_pages;
+    double m_y = 0;
+    double m_contentTop = 0;
+    double m_bodyBottom = 0;
+};
+
+} // namespace
+
+LaidOutReport layoutReport(const ReportDesign& design, const ReportData& data, const PageSetup& setup) {
+    Paginator pages(design, setup);
+    pages.startPage(true);
+    if (const Section* detail = design.section(SectionKind::Detail))
+        for (int row = 0; row < data.rowCount(); ++row)
+            pages.place(buildBand(*detail, &data, row, setup.bodyWidth()));
+    if (const Section* footer = design.section(SectionKind::ReportFooter))
+        pages.place(buildBand(*footer, nullptr, -1, setup.bodyWidth()));
+    return LaidOutReport{setup, pages.finish()};
+}
+
+// ---- page model ------------------------------------------------------------------------
+
+QStringList Page::textOf(const QString& control) const {
+    QStringList out;
+    for (const auto& item : items)
+        if (item.kind != ControlKind::Line && item.control.compare(control, Qt::CaseInsensitive) == 0)
+            out << item.text;
+    return out;
+}
+
+QStringList Page::texts() const {
+    QVector<const PageItem*> sorted;
+    for (const auto& item : items)
+        if (item.kind != ControlKind::Line)
+            sorted.append(&item);
+    std::stable_sort(sorted.begin(), sorted.end(), [](const PageItem* a, const PageItem* b) {
+        if (std::abs(a->rect.top() - b->rect.top()) > 0.5)
+            return a->rect.top() < b->rect.top();
+        return a->rect.left() < b->rect.left();
+    });
+    QStringList out;
+    for (const auto* item : sorted)
+        out << item->text;
+    return out;
+}
+
+// ---- painting --------------------------------------------------------------------------
+
+void paintPage(QPainter& painter, const Page& page) {
+    const QPaintDevice* device = painter.device();
+    const double sx = device->logicalDpiX() / 72.0;
+    const double sy = device->logicalDpiY() / 72.0;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    for (const auto& item : page.items) {
+        if (item.kind == ControlKind::Line) {
+            QPen pen(Qt::black);
+            pen.setWidthF(std::max(0.5, item.lineWidth * sx));
+            pen.setCapStyle(Qt::FlatCap);
+            painter.setPen(pen);
+            const QRectF& r = item.rect;
+            painter.drawLine(QPointF(r.left() * sx, r.top() * sy), QPointF(r.right() * sx, r.bottom() * sy));
+            continue;
+        }
+        painter.setPen(Qt::black);
+        painter.setFont(qfont(item.font));
+        const QRectF r(item.rect.left() * sx, item.rect.top() * sy, item.rect.width() * sx,
+                       item.rect.height() * sy);
+        const int align = item.align == Align::Center  ? Qt::AlignHCenter
+                          : item.align == Align::Right ? Qt::AlignRight
+                                                       : Qt::AlignLeft;
+        painter.drawText(r, align | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, item.text);
+    }
+    painter.restore();
+}
+
+QImage renderPage(const LaidOutReport& report, int pageIndex, double dotsPerInch) {
+    const double scale = dotsPerInch / 72.0;
+    QImage image(std::max(1, int(std::ceil(report.setup.paper.width() * scale))),
+                 std::max(1, int(std::ceil(report.setup.paper.height() * scale))), QImage::Format_RGB32);
+    const int dpm = qRound(dotsPerInch / 0.0254);
+    image.setDotsPerMeterX(dpm);
+    image.setDotsPerMeterY(dpm);
+    image.fill(Qt::white);
+    if (pageIndex >= 0 && pageIndex < report.pages.size()) {
+        QPainter painter(&image);
+        paintPage(painter, report.pages[pageIndex]);
+    }
+    return image;
+}
+
+} // namespace reports

@@ -1,0 +1,277 @@
+#include "platform/Error.h"
+#include "reports/ReportEngine.h"
+
+#include <QImage>
+#include <QtTest>
+
+using namespace reports;
+
+namespace {
+
+const FontSpec kBody{10.0};
+
+Control textBox(const QString& name, const QString& field, double left, double top, double width,
+                bool grows) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::TextBox;
+    c.dataField = field;
+    c.left = left, c.top = top, c.width = width, c.height = 14;
+    c.font = kBody;
+    c.canGrow = grows;
+    return c;
+}
+
+Control label(const QString& name, const QString& caption, double top = 0, double width = 200) {
+    Control c;
+    c.name = name;
+    c.caption = caption;
+    c.top = top, c.width = width, c.height = 14;
+    c.font = kBody;
+    return c;
+}
+
+Control rule(const QString& name, double top) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::Line;
+    c.top = top, c.width = kToRightMargin;
+    return c;
+}
+
+Section section(const QString& name, SectionKind kind, double height, QVector<Control> controls = {}) {
+    Section s;
+    s.name = name;
+    s.kind = kind;
+    s.height = height;
+    s.controls = std::move(controls);
+    return s;
+}
+
+// A list: a heading, a detail of a number and a growing text with a rule below, a footer.
+ReportDesign listDesign(double footerHeight = 24) {
+    ReportDesign d;
+    d.name = QStringLiteral("RptTest");
+    d.title = QStringLiteral("Test List");
+    d.dataMember = QStringLiteral("cmdTest");
+    d.sections = {
+        section("ReportHeader", SectionKind::ReportHeader, 20, {label("lblIntro", "Introduction")}),
+        section("PageHeader", SectionKind::PageHeader, 20, {label("lblHead", "Heading")}),
+        section("cmdTest_Detail", SectionKind::Detail, 20,
+                {textBox("txtNo", "No", 0, 2, 60, false), textBox("txtText", "Text", 70, 2, 200, true),
+                 textBox("txtBelow", "Below", 70, 16, 200, false), rule("lnRow", 19)}),
+        section("PageFooter", SectionKind::PageFooter, footerHeight, {label("lblPage", "%p of %P", 4)}),
+        section("ReportFooter", SectionKind::ReportFooter, 0),
+    };
+    return d;
+}
+
+QString words(int count) {
+    QStringList w;
+    for (int i = 0; i < count; ++i)
+        w << QStringLiteral("word%1").arg(i);
+    return w.join(QLatin1Char(' '));
+}
+
+double footerTop(const LaidOutReport& r, double footerHeight) {
+    return r.setup.paper.height() - r.setup.marginBottom - footerHeight;
+}
+
+} // namespace
+
+class TestReportEngine : public QObject {
+    Q_OBJECT
+  private slots:
+    void findsSectionsAndControlsByName();
+    void numbersEveryPageWithTheCount();
+    void growingBoxPushesItsBandAndTheControlsBelow();
+    void bandThatDoesNotFitMovesToTheNextPage();
+    void oneLineBoxesClip();
+    void textLongerThanAPageIsSplitAndEnds();
+    void emptyDataPrintsHeadingsOnly();
+    void headersFillingThePageStillEnd();
+    void stretchedControlsFollowThePaper();
+    void paintsTheLaidOutItems();
+};
+
+void TestReportEngine::findsSectionsAndControlsByName() {
+    ReportDesign d = listDesign();
+    QCOMPARE(d.Sections("pageheader").name, QStringLiteral("PageHeader"));
+    QCOMPARE(d.Sections("cmdTest_Detail").Controls("TXTTEXT").dataField, QStringLiteral("Text"));
+    QVERIFY_THROWS_EXCEPTION(platform::Error, d.Sections("NoSuchSection"));
+    QVERIFY_THROWS_EXCEPTION(platform::Error, d.Sections("PageHeader").Controls("txtText"));
+
+    // A caption set through the names is what the next layout prints.
+    d.Sections("PageHeader").Controls("lblHead").setCaption(QStringLiteral("Invoice No /"));
+    const auto laid = layoutReport(d, MemoryData(), PageSetup::a4());
+    QCOMPARE(laid.pages[0].textOf("lblHead"), QStringList{"Invoice No /"});
+}
+
+void TestReportEngine::numbersEveryPageWithTheCount() {
+    MemoryData data;
+    for (int i = 0; i < 150; ++i)
+        data.addRow({{"No", QString::number(i)}, {"Text", i % 7 == 0 ? words(40) : QStringLiteral("short")}});
+    const auto laid = layoutReport(listDesign(), data, PageSetup::a4());
+    const int count = int(laid.pages.size());
+    QVERIFY(count >= 3);
+
+    QStringList numbers;
+    for (int p = 0; p < count; ++p) {
+        const Page& page = laid.pages[p];
+        QCOMPARE(page.textOf("lblPage"), QStringList{QStringLiteral("%1 of %2").arg(p + 1).arg(count)});
+        QCOMPARE(page.textOf("lblHead"), QStringList{"Heading"});
+        QCOMPARE(page.textOf("lblIntro").size(), p == 0 ? 1 : 0);
+        numbers << page.textOf("txtNo");
+        // No row reaches into the footer.
+        for (const auto& item : page.items)
+            if (item.section == QStringLiteral("cmdTest_Detail"))
+                QVERIFY2(item.rect.bottom() <= footerTop(laid, 24) + 0.01, qPrintable(item.text));
+    }
+    QStringList expected;
+    for (int i = 0; i < 150; ++i)
+        expected << QString::number(i);
+    QCOMPARE(numbers, expected);
+}
+
+void TestReportEngine::growingBoxPushesItsBandAndTheControlsBelow() {
+    MemoryData data;
+    data.addRow({{"No", "1"}, {"Text", words(30)}, {"Below", "under"}});
+    data.addRow({{"No", "2"}, {"Text", "one line"}, {"Below", "under"}});
+    const auto laid = layoutReport(listDesign(), data, PageSetup::a4());
+    const Page& page = laid.pages[0];
+
+    QVector<const PageItem*> text, below, rules, numbers;
+    for (const auto& item : page.items) {
+        if (item.control == "txtText")
+            text << &item;
+        if (item.control == "txtBelow")
+            below << &item;
+        if (item.control == "lnRow")
+            rules << &item;
+        if (item.control == "txtNo")
+            numbers << &item;
+    }
+    QVERIFY(text.size() >= 4); // 30 words wrap in 200 points
+    QCOMPARE(page.textOf("txtText").join(' ').simplified(), words(30) + " one line");
+    const double lastLineBottom = text[text.size() - 2]->rect.bottom();
+    // The box below and the rule moved down with the growth; the next row starts after them.
+    QVERIFY(below[0]->rect.top() >= lastLineBottom - 0.01);
+    QVERIFY(rules[0]->rect.top() > below[0]->rect.top());
+    QVERIFY(numbers[1]->rect.top() > rules[0]->rect.top());
+    // The number beside the box is not pushed: it is not below it.
+    QCOMPARE(numbers[0]->rect.top(), text[0]->rect.top());
+    // A row that does not grow keeps the design's spacing.
+    QCOMPARE(below[1]->rect.top() - numbers[1]->rect.top(), 14.0);
+}
+
+void TestReportEngine::bandThatDoesNotFitMovesToTheNextPage() {
+    // Find how many plain rows fill the first page, then make the next row tall.
+    MemoryData plain;
+    for (int i = 0; i < 200; ++i)
+        plain.addRow({{"No", QString::number(i)}, {"Text", "x"}});
+    const int onFirst =
+        int(layoutReport(listDesign(), plain, PageSetup::a4()).pages[0].textOf("txtNo").size());
+    QVERIFY(onFirst > 10);
+
+    MemoryData data;
+    for (int i = 0; i < onFirst - 1; ++i)
+        data.addRow({{"No", QString::number(i)}, {"Text", "x"}});
+    data.addRow({{"No", "tall"}, {"Text", words(20)}});
+    const auto laid = layoutReport(listDesign(), data, PageSetup::a4());
+    QCOMPARE(laid.pages.size(), 2);
+    QCOMPARE(laid.pages[0].textOf("txtNo").size(), onFirst - 1);
+    QCOMPARE(laid.pages[1].textOf("txtNo"), QStringList{"tall"});
+    QCOMPARE(laid.pages[1].textOf("txtText").join(' '), words(20)); // kept together
+    QCOMPARE(laid.pages[0].textOf("lblPage"), QStringList{"1 of 2"});
+}
+
+void TestReportEngine::oneLineBoxesClip() {
+    MemoryData data;
+    const QString longNumber = QStringLiteral("FILE-%1").arg(words(10));
+    data.addRow({{"No", longNumber}, {"Text", "t"}, {"Below", "first line\nsecond line"}});
+    const auto laid = layoutReport(listDesign(), data, PageSetup::a4());
+    const QStringList no = laid.pages[0].textOf("txtNo");
+    QCOMPARE(no.size(), 1);
+    QVERIFY(no[0].size() < longNumber.size());
+    QVERIFY(longNumber.startsWith(no[0]));
+    QVERIFY(!no[0].isEmpty());
+    QCOMPARE(laid.pages[0].textOf("txtBelow"), QStringList{"first line"});
+}
+
+void TestReportEngine::textLongerThanAPageIsSplitAndEnds() {
+    MemoryData data;
+    const QString huge = words(3000);
+    data.addRow({{"No", "1"}, {"Text", huge}});
+    data.addRow({{"No", "2"}, {"Text", "after"}});
+    const auto laid = layoutReport(listDesign(), data, PageSetup::a4());
+    QVERIFY(laid.pages.size() >= 3);
+    QStringList all;
+    for (const Page& page : laid.pages) {
+        all << page.textOf("txtText");
+        for (const auto& item : page.items)
+            if (item.section == QStringLiteral("cmdTest_Detail"))
+                QVERIFY(item.rect.bottom() <= footerTop(laid, 24) + 0.01);
+    }
+    QCOMPARE(all.join(' '), huge + " after");
+    QCOMPARE(laid.pages.last().textOf("txtNo").last(), QStringLiteral("2"));
+}
+
+void TestReportEngine::emptyDataPrintsHeadingsOnly() {
+    const auto laid = layoutReport(listDesign(), MemoryData(), PageSetup::letter());
+    QCOMPARE(laid.pages.size(), 1);
+    QCOMPARE(laid.pages[0].texts(), (QStringList{"Introduction", "Heading", "1 of 1"}));
+}
+
+void TestReportEngine::headersFillingThePageStillEnd() {
+    // A footer taller than the paper leaves no room for rows: each still gets a page.
+    MemoryData data;
+    for (int i = 0; i < 3; ++i)
+        data.addRow({{"No", QString::number(i)}, {"Text", words(50)}});
+    const auto laid = layoutReport(listDesign(900), data, PageSetup::a4());
+    QVERIFY(!laid.pages.isEmpty());
+    QVERIFY(laid.pages.size() < 200);
+    QStringList numbers;
+    for (const Page& page : laid.pages)
+        numbers << page.textOf("txtNo");
+    QCOMPARE(numbers, (QStringList{"0", "1", "2"}));
+}
+
+void TestReportEngine::stretchedControlsFollowThePaper() {
+    for (const PageSetup& setup : {PageSetup::a4(), PageSetup::letter()}) {
+        const auto laid =
+            layoutReport(listDesign(), MemoryData(QVector<QHash<QString, QString>>{{{"No", "1"}}}), setup);
+        bool found = false;
+        for (const auto& item : laid.pages[0].items)
+            if (item.control == "lnRow") {
+                found = true;
+                QCOMPARE(item.rect.left(), setup.marginLeft);
+                QCOMPARE(item.rect.right(), setup.paper.width() - setup.marginRight);
+            }
+        QVERIFY(found);
+    }
+    QVERIFY(PageSetup::letter().paper.height() < PageSetup::a4().paper.height());
+}
+
+void TestReportEngine::paintsTheLaidOutItems() {
+    MemoryData data;
+    data.addRow({{"No", "1"}, {"Text", "painted"}});
+    const auto laid = layoutReport(listDesign(), data, PageSetup::a4());
+    const QImage image = renderPage(laid, 0, 72);
+    QCOMPARE(image.size(), laid.setup.paper.toSize()); // A4 at one dot per point
+    auto inkIn = [&](const QRectF& r) {
+        int ink = 0;
+        for (int y = int(r.top()); y < int(r.bottom()); ++y)
+            for (int x = int(r.left()); x < int(r.right()); ++x)
+                ink += qGray(image.pixel(x, y)) < 128;
+        return ink;
+    };
+    for (const auto& item : laid.pages[0].items)
+        if (item.control == "txtText")
+            QVERIFY(inkIn(item.rect) > 10);
+    // Nothing in the margins.
+    QCOMPARE(inkIn(QRectF(0, 0, image.width(), laid.setup.marginTop - 2)), 0);
+    QCOMPARE(inkIn(QRectF(0, 0, laid.setup.marginLeft - 2, image.height())), 0);
+}
+
+QTEST_MAIN(TestReportEngine)
+#include "tst_ReportEngine.moc"
