@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 // The fifteen toolbar entries from the top: object name, the name shown in its picture
 // (the entry's accessible name), the picture keys at rest and under the mouse, and the
