@@ -96,6 +96,21 @@ void AdoTest::dataSourceResolution() {
                                 "Persist Security Info=True;User ID=Admin;Data Source=Vorlane;"));
     QVERIFY(reports.isOpen());
     QCOMPARE(scalar(openStore(), QStringLiteral("Select count(*) from Logins")).toInt(), 1);
+
+    // A data source known to the driver manager wins over the file, even when it cannot be reached.
+    const QString ini = QDir(m_dir->path()).filePath(QStringLiteral("odbc.ini"));
+    QFile config(ini);
+    QVERIFY(config.open(QIODevice::WriteOnly));
+    config.write("[Vorlane]\nDriver=/nonexistent/libnodriver.so\nDatabase=/nonexistent.db\n");
+    config.close();
+    const QByteArray previous = qgetenv("ODBCINI");
+    qputenv("ODBCINI", ini.toLocal8Bit());
+    db::Connection viaOdbc;
+    const int odbcError = errorOf(
+        [&] { viaOdbc.Open(QStringLiteral("Vorlane"), QStringLiteral("Admin"), QStringLiteral("x")); });
+    qputenv("ODBCINI", previous);
+    QCOMPARE(odbcError, db::ErrDataSourceNotFound);
+    QVERIFY(!viaOdbc.isOpen());
 }
 
 void AdoTest::createDatabaseRefusesToOverwrite() {
