@@ -1,0 +1,161 @@
+#include "EditCycle.h"
+
+#include "GenMod.h"
+#include "Session.h"
+#include "platform/Controls.h"
+#include "platform/MsgBox.h"
+
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPalette>
+#include <QPushButton>
+
+using platform::MsgBox;
+
+QPushButton* RecordForm::cmd(int index) const {
+    return control<QPushButton>(QStringLiteral("cmd(%1)").arg(index));
+}
+
+QList<QPushButton*> RecordForm::createCmdButtons(QWidget* parent, const QStringList& captions) {
+    QList<QPushButton*> buttons;
+    for (int i = 0; i < captions.size(); ++i) {
+        auto* button = new QPushButton(captions[i], parent);
+        button->setObjectName(QStringLiteral("cmd(%1)").arg(i));
+        // Enter in a text box must not press a button behind the user's back.
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, [this, i] { cmd_Click(i); });
+        buttons << button;
+    }
+    return buttons;
+}
+
+void RecordForm::prepareWindow() {
+    QWidget* w = window();
+    if (auto* area = Form::mdiArea())
+        w->setWindowIcon(area->window()->windowIcon());
+    w->setBackgroundRole(QPalette::Button);
+    w->setAutoFillBackground(true);
+    GenMod::CenterForm(w);
+}
+
+void RecordForm::fitWindow() {
+    QWidget* w = window();
+    if (!w)
+        return;
+    const QSize wanted = w->sizeHint().expandedTo(w->minimumSizeHint());
+    if (wanted.width() <= w->width() && wanted.height() <= w->height())
+        return;
+    if (auto* frame = qobject_cast<QMdiSubWindow*>(w->parentWidget()))
+        frame->adjustSize();
+    else
+        w->resize(wanted.expandedTo(w->size()));
+}
+
+void RecordForm::resetRecord(QWidget* list, const std::function<void()>& clearFields) {
+    list->hide();
+    clearFields();
+    EditMode = false;
+}
+
+void RecordForm::clearTextBoxesAndKey() {
+    platform::clearTextBoxes(window());
+    CurrentRowID = 0;
+}
+
+void RecordForm::showRecordList(QWidget* list, const std::function<void()>& fill) {
+    try {
+        if (!GenMod::OpenConnection())
+            return;
+        fill();
+        GenMod::CloseConnection();
+        list->show();
+    } catch (const platform::Error& e) {
+        MsgBox(e.description(), platform::vbCritical);
+    }
+}
+
+void RecordForm::loadRecord(qint32 key, const QString& statement, QWidget* list,
+                            const std::function<void(db::Recordset&)>& apply) {
+    try {
+        if (!GenMod::OpenConnection())
+            return;
+        db::Recordset rs;
+        // Handlers that fire while the row is applied may open and release Conn themselves;
+        // the recordset keeps its own connection, so it stays readable.
+        rs.Open(statement, GenMod::Conn, db::adOpenStatic, db::adLockReadOnly, -1);
+        if (!rs.eof()) {
+            EditMode = true;
+            CurrentRowID = key;
+            apply(rs);
+        }
+        rs.Close();
+        GenMod::CloseConnection();
+        list->hide();
+    } catch (const platform::Error& e) {
+        // Unlike the other steps, a failed load is shown as a warning.
+        MsgBox(e.description(), platform::vbExclamation);
+    }
+}
+
+bool RecordForm::saveRecord(const SaveSteps& steps) {
+    // Rights come before any look at the fields.
+    if (!Session::MaySave(EditMode))
+        return false;
+    for (const auto& field : steps.required) {
+        if (field.missing()) {
+            MsgBox(field.message, platform::vbExclamation);
+            return false;
+        }
+    }
+
+    bool InTransaction = false;
+    try {
+        if (!GenMod::OpenConnection())
+            return false;
+        // The write lock is taken here, so two seats cannot read the same maximum key.
+        GenMod::Conn->BeginTrans();
+        InTransaction = steps.notesTransaction;
+
+        if (!steps.duplicateFields.isEmpty() &&
+            GenMod::RecordExists(steps.duplicateFields, steps.duplicateSource())) {
+            GenMod::Conn->RollbackTrans();
+            GenMod::Conn.reset();
+            MsgBox(steps.duplicateMessage, platform::vbExclamation);
+            return false;
+        }
+
+        if (EditMode) {
+            GenMod::Conn->Execute(steps.updateStatement(), -1);
+        } else {
+            CurrentRowID = GenMod::NextID(steps.keyColumn, steps.table);
+            GenMod::Conn->Execute(steps.insertStatement(), -1);
+        }
+        GenMod::Conn->CommitTrans();
+        InTransaction = false;
+        GenMod::CloseConnection();
+    } catch (const platform::Error& e) {
+        if (InTransaction && GenMod::Conn) {
+            try {
+                GenMod::Conn->RollbackTrans();
+            } catch (const platform::Error&) {
+                // the release below discards the transaction anyway
+            }
+        }
+        GenMod::Conn.reset();
+        MsgBox(e.description(), platform::vbCritical);
+        return false;
+    }
+
+    MsgBox(steps.savedMessage, platform::vbInformation);
+    if (steps.reset)
+        steps.reset();
+    return true;
+}
+
+void RecordForm::untrapped(const std::function<void()>& handler) {
+    try {
+        handler();
+    } catch (const platform::Error& e) {
+        MsgBox(e.description(), platform::vbCritical);
+    }
+}

@@ -1,0 +1,37 @@
+#include "FieldCaptions.h"
+
+#include "GenMod.h"
+#include "platform/Controls.h"
+#include "platform/Conversions.h"
+
+#include <QLabel>
+
+namespace FieldCaptions {
+
+Caption label(QLabel* label, const QString& column, const QString& defaultText) {
+    return {column, defaultText, QStringLiteral(" :"), [label](const QString& text) {
+                label->setText(text);
+                if (label->buddy())
+                    platform::setBuddy(label, label->buddy());
+            }};
+}
+
+Caption formCaption(QWidget* form, const QString& column, const QString& defaultText) {
+    return {column, defaultText, QString(), [form](const QString& text) { form->setWindowTitle(text); }};
+}
+
+void Apply(const QList<Caption>& captions) {
+    db::Recordset rs;
+    rs.Open(QStringLiteral("Select * from FieldCaptions"), GenMod::Conn, db::adOpenStatic, db::adLockReadOnly,
+            -1);
+    if (rs.eof()) {
+        for (const auto& c : captions)
+            c.apply(c.defaultText);
+    } else {
+        for (const auto& c : captions)
+            c.apply(platform::TrimStr(rs.Fields(c.column)) + c.ending);
+    }
+    rs.Close();
+}
+
+} // namespace FieldCaptions
