@@ -1,6 +1,10 @@
 #include "Startup.h"
 
 #include "MDI.h"
+#include "classification/frmDocCat.h"
+#include "classification/frmDocChildCat.h"
+#include "classification/frmDocSubCat.h"
+#include "classification/frmDocType.h"
 #include "session/GenMod.h"
 #include "session/frmLogin.h"
 
@@ -11,10 +15,19 @@ static void initResources() {
     Q_INIT_RESOURCE(images);
 }
 
+// What each toolbar entry opens. A screen that is open already is only raised.
+void wireScreens() {
+    MDI::setOpener(QStringLiteral("ImgDocType"), [] { frmDocType::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgDocCat"), [] { frmDocCat::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgDocSubCat"), [] { frmDocSubCat::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgDocChildCat"), [] { frmDocChildCat::instance().Show(); });
+}
+
 int runVorlane(QApplication& app) {
     MDI::instance(); // makes the pictures available to every screen
     app.setApplicationName(QStringLiteral("Vorlane"));
     app.setWindowIcon(QIcon(QStringLiteral(":/images/AppIcon")));
+    wireScreens();
     frmLogin::setOnLoggedIn([] { MDI::instance().Show(); });
     if (!GenMod::Startup())
         return 0;
