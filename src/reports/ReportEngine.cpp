@@ -217,6 +217,8 @@ double controlWidth(const Control& c, double bodyWidth) {
     return c.width == kToRightMargin ? std::max(0.0, bodyWidth - c.left) : c.width;
 }
 
+constexpr double kKeptGap = 3.0;
+
 Band buildBand(const Section& section, const ReportData* data, int row, double bodyWidth) {
     Band band;
     const int n = int(section.controls.size());
@@ -267,11 +269,12 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
         for (int oj = 0; oj < oi; ++oj) {
             const Placed& q = placed[order[oj]];
             const Control& d = *q.control;
-            const bool above = d.top + d.height <= c.top + 0.5;
+            const double gap = c.top - (d.top + d.height);
             const bool overlaps =
                 d.left < c.left + std::max(p.width, 0.5) && c.left < d.left + std::max(q.width, 0.5);
-            if (above && overlaps)
-                p.shift = std::max(p.shift, q.shift + q.growth);
+            // A wide design gap takes up growth, down to a small gap that stays.
+            if (gap >= -0.5 && overlaps)
+                p.shift = std::max(p.shift, q.shift + q.growth - std::max(0.0, gap - kKeptGap));
         }
     }
 
