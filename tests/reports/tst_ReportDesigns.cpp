@@ -1,6 +1,7 @@
 #include "platform/TestHooks.h"
 #include "reports/Report.h"
 #include "reports/ReportDesigns.h"
+#include "reports/ReportPreview.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -409,6 +410,12 @@ void TestReportDesigns::writesSamplePdfsWhenAsked() {
                 setSearchCaptions(*report);
             report->Refresh();
             QVERIFY(report->exportPdf(QDir(folder).filePath(QStringLiteral("%1-%2.pdf").arg(name, paper))));
+            if (name == "RptFileList" && QString(paper) == "A4") {
+                // The preview window as it would stand on the screen.
+                report->Show();
+                report->preview()->resize(820, 900);
+                QVERIFY(report->preview()->grab().save(QDir(folder).filePath("preview-RptFileList.png")));
+            }
         }
 }
 
