@@ -11,10 +11,6 @@
 #include <QApplication>
 #include <QIcon>
 
-static void initResources() {
-    Q_INIT_RESOURCE(images);
-}
-
 // What each toolbar entry opens. A screen that is open already is only raised.
 void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgDocType"), [] { frmDocType::instance().Show(); });
