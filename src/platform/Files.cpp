@@ -76,7 +76,8 @@ int GetAttr(const QString& path) {
     if (!info.exists())
         throw Error(ErrFileNotFound, QStringLiteral("File not found"));
     int attributes = vbNormal;
-    if (!info.isWritable())
+    // The read-only attribute is the file's own mark, whoever asks (root may write anyway).
+    if (!(info.permissions() & QFile::WriteOwner))
         attributes |= vbReadOnly;
     if (info.isHidden())
         attributes |= vbHidden;

@@ -8,6 +8,7 @@
 #include "platform/Shell.h"
 #include "platform/TestHooks.h"
 
+#include <QCheckBox>
 #include <QDateEdit>
 #include <QFile>
 #include <QLineEdit>
