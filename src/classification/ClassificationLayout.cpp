@@ -20,10 +20,6 @@ QStringList cmdCaptions() {
     return {QStringLiteral("Reset"), QStringLiteral("Edit"), QStringLiteral("Save"), QStringLiteral("Close")};
 }
 
-void leaveUnchosen(platform::ComboBox* combo) {
-    combo->setCurrentIndex(-1);
-}
-
 ScreenBuilder::ScreenBuilder(const QString& objectName, const QString& designCaption)
     : m_window(new QWidget), m_grid(new QGridLayout(m_window)) {
     m_window->setObjectName(objectName);

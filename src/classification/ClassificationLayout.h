@@ -22,10 +22,6 @@ namespace classification {
 // Captions of cmd(0)..cmd(3).
 QStringList cmdCaptions();
 
-// After a fill nothing is chosen: the drop-down list would otherwise pick its first item by
-// itself. Quietly, as no user chose anything.
-void leaveUnchosen(platform::ComboBox* combo);
-
 class ScreenBuilder {
   public:
     ScreenBuilder(const QString& objectName, const QString& designCaption);

@@ -65,7 +65,6 @@ void frmDocChildCat::Form_Load() {
         if (GenMod::OpenConnection()) {
             GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
                               QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
-            classification::leaveUnchosen(cboDocCategory());
             FieldCaptions::Apply({
                 FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
                                      QStringLiteral("Document Category :")),
@@ -117,7 +116,6 @@ void frmDocChildCat::cboDocCategory_Click() {
                               QString::number(category->ItemData(category->ListIndex())) +
                               QStringLiteral(" order by SubCategory"),
                           cboDocSubCategory());
-        classification::leaveUnchosen(cboDocSubCategory());
         GenMod::CloseConnection();
     } catch (const platform::Error& e) {
         platform::MsgBox(e.description(), platform::vbCritical);

@@ -56,7 +56,6 @@ void frmDocSubCat::Form_Load() {
         if (GenMod::OpenConnection()) {
             GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
                               QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
-            classification::leaveUnchosen(cboDocCategory());
             FieldCaptions::Apply({
                 FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
                                      QStringLiteral("Document Category :")),

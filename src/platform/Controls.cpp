@@ -39,7 +39,10 @@ void ComboBox::setListIndex(int index) {
 }
 
 int ComboBox::AddItem(const QString& text) {
+    const bool wasEmpty = count() == 0;
     addItem(text);
+    if (wasEmpty) // a filled list has nothing chosen until someone chooses
+        setCurrentIndex(-1);
     m_newIndex = count() - 1;
     return m_newIndex;
 }

@@ -123,6 +123,7 @@ class TestPlatform : public QObject {
         combo.setItemData(combo.NewIndex(), 7);
         combo.AddItem(QStringLiteral("Letters"));
         combo.setItemData(combo.NewIndex(), 9);
+        QCOMPARE(combo.ListIndex(), -1); // nothing is chosen by filling
         combo.setListIndex(1);
         combo.setListIndex(1); // the same index again still clicks
         QCOMPARE(clicks.count(), 2);
