@@ -83,7 +83,7 @@ QWidget* frmLogin::build() {
     auto* w = new LoginWindow;
     w->setObjectName(QStringLiteral("frmLogin"));
     w->setWindowTitle(QStringLiteral("Vorlane Login"));
-    w->setFixedSize(420, 260);
+    w->setFixedSize(420, 230);
 
     auto* title = new QLabel(QStringLiteral("Vorlane"), w);
     title->setObjectName(QStringLiteral("Label1"));
