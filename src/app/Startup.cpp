@@ -5,6 +5,7 @@
 #include "classification/frmDocChildCat.h"
 #include "classification/frmDocSubCat.h"
 #include "classification/frmDocType.h"
+#include "classification/frmFile.h"
 #include "session/GenMod.h"
 #include "session/frmLogin.h"
 
@@ -17,6 +18,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgDocCat"), [] { frmDocCat::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgDocSubCat"), [] { frmDocSubCat::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgDocChildCat"), [] { frmDocChildCat::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgFile"), [] { frmFile::instance().Show(); });
 }
 
 int runVorlane(QApplication& app) {
