@@ -11,6 +11,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
+#include <QRegularExpression>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUrl>
@@ -376,6 +377,11 @@ struct Recordset::Impl {
         Connection::Impl& c = connection->impl();
         c.requireOpen();
         const QString text = c.dialect->translate(source);
+        // A recordset reads; whatever else its text says is refused before it can run.
+        static const QRegularExpression select(QStringLiteral("^\\s*select\\b"),
+                                               QRegularExpression::CaseInsensitiveOption);
+        if (!select.match(text).hasMatch())
+            throw platform::Error(ErrStatement, QStringLiteral("Only a Select statement can open a recordset."));
         c.applyTimeout(connection->CommandTimeout);
         QString failure;
         names.clear();

@@ -357,6 +357,14 @@ void AdoTest::refusedStatementsAreNotRun() {
     QCOMPARE(errorOf([&] { rs.Open(QStringLiteral("Select * from Vorlane Where  order by I.DocDate"), c); }),
              db::ErrStatement);
     QCOMPARE(rs.State(), int(db::adStateClosed));
+
+    // A recordset only reads: a writing statement opened as one is refused and not run.
+    QCOMPARE(errorOf([&] { rs.Open(QStringLiteral("Delete from Logins"), c, db::adOpenStatic); }),
+             db::ErrStatement);
+    QCOMPARE(errorOf([&] { rs.Open(QStringLiteral("  insert into File values(1,'a','b',1)"), c); }),
+             db::ErrStatement);
+    QCOMPARE(scalar(c, QStringLiteral("Select count(*) from Logins")).toInt(), 1);
+    QCOMPARE(scalar(c, QStringLiteral("Select count(*) from File")).toInt(), 0);
 }
 
 QTEST_GUILESS_MAIN(AdoTest)
