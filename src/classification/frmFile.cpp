@@ -24,6 +24,7 @@ constexpr int FieldWidth = 240;
 // The particulars box is drawn tall, though it holds one line.
 constexpr int ParticularsHeight = 60;
 constexpr int NumberColumnWidth = 150;
+constexpr int ListHeight = 190;
 } // namespace
 
 frmFile& frmFile::instance() {
@@ -80,7 +81,7 @@ QWidget* frmFile::build() {
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     fields->addWidget(lblEmail, 0, 0);
     fields->addWidget(txtFileNo, 0, 1);
-    fields->addWidget(Label1, 1, 0, Qt::AlignRight | Qt::AlignTop);
+    fields->addWidget(Label1, 1, 0);
     fields->addWidget(txtParticulars, 1, 1);
 
     auto* list = new platform::ListView(w);
@@ -91,7 +92,11 @@ QWidget* frmFile::build() {
     list->addColumn(QStringLiteral("File number"), NumberColumnWidth);
     list->addColumn(QStringLiteral("Particulars"), FieldWidth);
     list->header()->setSectionsMovable(false);
-    list->setMinimumHeight(190);
+    list->setMinimumHeight(ListHeight);
+    // The window keeps the list's room while it is hidden, so Edit never has to grow it.
+    QSizePolicy policy = list->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    list->setSizePolicy(policy);
     fields->addWidget(list, 0, 0, 3, 2);
     list->raise();
     list->hide();
