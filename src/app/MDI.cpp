@@ -289,7 +289,7 @@ void MDI::ResetToolbar() {
 
 void MDI::SetToolbarCursor() {
     const QPixmap hand = ImgList(QStringLiteral("Hand"));
-    const QCursor cursor = hand.isNull() ? QCursor(Qt::PointingHandCursor) : QCursor(hand, 9, 1);
+    const QCursor cursor = hand.isNull() ? QCursor(Qt::PointingHandCursor) : QCursor(hand, 12, 3);
     for (auto* img : window()->findChildren<ImageControl*>())
         img->setCursor(cursor);
 }
