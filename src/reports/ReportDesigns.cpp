@@ -17,50 +17,17 @@ const FontSpec kLhLine{10.5, false, false, true};
 const FontSpec kLhLabel{10.0, true, false, true};
 const FontSpec kLhValue{10.0, false, false, true};
 
-Control label(const QString& name, const QString& caption, double left, double top, double width,
-              double height, FontSpec font = kHeading, Align align = Align::Left) {
-    Control c;
-    c.name = name;
-    c.kind = ControlKind::Label;
-    c.caption = caption;
-    c.left = left, c.top = top, c.width = width, c.height = height;
-    c.font = font;
-    c.align = align;
-    return c;
+// The lists' defaults: labels are set as headings, text boxes as rows.
+Control heading(const QString& name, const QString& caption, double left, double top, double width,
+                double height, FontSpec font = kHeading, Align align = Align::Left) {
+    return label(name, caption, left, top, width, height, font, align);
 }
 
 enum Grow { Fixed, Grows };
 
 Control box(const QString& name, const QString& field, double left, double top, double width, double height,
             Grow grow = Fixed, FontSpec font = kRow, Align align = Align::Left) {
-    Control c;
-    c.name = name;
-    c.kind = ControlKind::TextBox;
-    c.dataField = field;
-    c.left = left, c.top = top, c.width = width, c.height = height;
-    c.font = font;
-    c.align = align;
-    c.canGrow = grow == Grows;
-    return c;
-}
-
-// A horizontal rule across the body unless a width is given.
-Control rule(const QString& name, double top, double left = 0, double width = W, double thickness = 0.8) {
-    Control c;
-    c.name = name;
-    c.kind = ControlKind::Line;
-    c.left = left, c.top = top, c.width = width, c.height = 0;
-    c.lineWidth = thickness;
-    return c;
-}
-
-Section section(const QString& name, SectionKind kind, double height, QVector<Control> controls = {}) {
-    Section s;
-    s.name = name;
-    s.kind = kind;
-    s.height = height;
-    s.controls = std::move(controls);
-    return s;
+    return textBox(name, field, left, top, width, height, grow == Grows, font, align);
 }
 
 ReportDesign design(const QString& name, const QString& title, const QString& dataMember,
@@ -95,7 +62,7 @@ Section numberedFooter(const QString& labelName, const QString& caption, const Q
     QVector<Control> controls;
     if (!ruleName.isEmpty())
         controls << rule(ruleName, 8, 0, W, 0.5);
-    controls << label(labelName, caption, 0, 13, W, 12, kFooter, Align::Center);
+    controls << heading(labelName, caption, 0, 13, W, 12, kFooter, Align::Center);
     return pageFooter(28, controls);
 }
 
@@ -108,10 +75,10 @@ ReportDesign RptFileList() {
     return design(QStringLiteral("RptFileList"), QStringLiteral("File List"), QStringLiteral("cmdFileList"),
                   reportHeader(),
                   pageHeader(62, {
-                      label("Label4", "File List",        0,  0, W,   22, kTitle, Align::Center),
+                      heading("Label4", "File List",        0,  0, W,   22, kTitle, Align::Center),
                       rule ("Line2",                      34),
-                      label("Label1", "File Number",      4, 40, 140, 13),
-                      label("Label2", "Particulars",    154, 40, W,   13),
+                      heading("Label1", "File Number",      4, 40, 140, 13),
+                      heading("Label2", "Particulars",    154, 40, W,   13),
                       rule ("Line3",                      57),
                   }),
                   detail("cmdFileList", 19, {
@@ -127,10 +94,10 @@ ReportDesign RptInternetRef() {
                   QStringLiteral("cmdInternetRefList"),
                   reportHeader(),
                   pageHeader(62, {
-                      label("Label4", "Internet References List",        0,  0, W,   22, kTitle, Align::Center),
+                      heading("Label4", "Internet References List",        0,  0, W,   22, kTitle, Align::Center),
                       rule ("Line1",                                     34),
-                      label("Label1", "Reference Name & Particulars",    4, 40, 230, 13),
-                      label("Label3", "Online Link",                   246, 40, W,   13),
+                      heading("Label1", "Reference Name & Particulars",    4, 40, 230, 13),
+                      heading("Label3", "Online Link",                   246, 40, W,   13),
                       rule ("Line2",                                     57),
                   }),
                   detail("cmdInternetRefList", 34, {
@@ -148,12 +115,12 @@ ReportDesign RptContactList() {
                   QStringLiteral("cmdContactList"),
                   reportHeader(),
                   pageHeader(62, {
-                      label("Label1", "Important Contact List",   0,  0, W,   22, kTitle, Align::Center),
+                      heading("Label1", "Important Contact List",   0,  0, W,   22, kTitle, Align::Center),
                       rule ("Line1",                              34),
-                      label("Label2", "Contact Name",             4, 40, 108, 13),
-                      label("Label3", "Address",                118, 40, 110, 13),
-                      label("Label4", "Contact Details",        234, 40, 150, 13),
-                      label("Label5", "Remarks",                390, 40, W,   13),
+                      heading("Label2", "Contact Name",             4, 40, 108, 13),
+                      heading("Label3", "Address",                118, 40, 110, 13),
+                      heading("Label4", "Contact Details",        234, 40, 150, 13),
+                      heading("Label5", "Remarks",                390, 40, W,   13),
                       rule ("Line2",                              57),
                   }),
                   detail("cmdContactList", 62, {
@@ -161,13 +128,13 @@ ReportDesign RptContactList() {
                       box  ("txtAdd1",     "Add1",     118,  3, 110, 12),
                       box  ("txtAdd2",     "Add2",     118, 16, 110, 12),
                       box  ("txtAdd3",     "Add3",     118, 29, 110, 12),
-                      label("Label7",      "Phone:",   234,  3,  34, 12, kRow),
+                      heading("Label7",      "Phone:",   234,  3,  34, 12, kRow),
                       box  ("txtPhone",    "Phone",    270,  3, 114, 12),
-                      label("Label8",      "Cell:",    234, 16,  34, 12, kRow),
+                      heading("Label8",      "Cell:",    234, 16,  34, 12, kRow),
                       box  ("txtCell",     "Cell",     270, 16, 114, 12),
-                      label("Label9",      "Fax:",     234, 29,  34, 12, kRow),
+                      heading("Label9",      "Fax:",     234, 29,  34, 12, kRow),
                       box  ("txtFax",      "Fax",      270, 29, 114, 12),
-                      label("Label10",     "Email:",   234, 42,  34, 12, kRow),
+                      heading("Label10",     "Email:",   234, 42,  34, 12, kRow),
                       box  ("txtEmail",    "Email",    270, 42, 114, 12, Grows),
                       box  ("txtRemarks",  "Remarks",  390,  3, W,   12, Grows),
                       rule ("Line3",                    58, 0, W, 0.4),
@@ -181,16 +148,16 @@ ReportDesign rptSearchReport() {
     return design(QStringLiteral("rptSearchReport"), QStringLiteral("Search Result"),
                   QStringLiteral("cmdSearchResult"),
                   reportHeader(54, {
-                      label("Label2",   "Query:",  0, 0, 42, 13, FontSpec{10.0, true}),
-                      label("lblQuery", "Query",  44, 0, W,  42, FontSpec{10.0}),
+                      heading("Label2",   "Query:",  0, 0, 42, 13, FontSpec{10.0, true}),
+                      heading("lblQuery", "Query",  44, 0, W,  42, FontSpec{10.0}),
                   }),
                   pageHeader(38, {
                       rule ("Line2",                                  0),
-                      label("lblDocTitle1", "Title 1 / Title 2",      4,  5, 150, 13),
-                      label("lblDocTitle2", "Title 1 / Title 2",      4, 18, 150, 13),
-                      label("Label3",       "Doc. Dt / Follow-Up Dt.", 160, 5, 68, 26),
-                      label("Label5",       "Bookmark / Remarks:",   246,  5, 130, 26),
-                      label("Label4",       "File Number / File Path", 382, 5, W,  26),
+                      heading("lblDocTitle1", "Title 1 / Title 2",      4,  5, 150, 13),
+                      heading("lblDocTitle2", "Title 1 / Title 2",      4, 18, 150, 13),
+                      heading("Label3",       "Doc. Dt / Follow-Up Dt.", 160, 5, 68, 26),
+                      heading("Label5",       "Bookmark / Remarks:",   246,  5, 130, 26),
+                      heading("Label4",       "File Number / File Path", 382, 5, W,  26),
                       rule ("Line1",                                 35),
                   }),
                   detail("cmdSearchResult", 33, {
@@ -221,13 +188,13 @@ ReportDesign RptLetterHead() {
                       box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine),
                       box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine),
                       box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine),
-                      label("Label2",      "Cell :",     0, 80,  34, 14, kLhLabel),
+                      heading("Label2",      "Cell :",     0, 80,  34, 14, kLhLabel),
                       box  ("txtCell",     "Cell",      36, 80, 120, 14, Fixed, kLhValue),
-                      label("Label1",      "Phone :",  162, 80,  44, 14, kLhLabel),
+                      heading("Label1",      "Phone :",  162, 80,  44, 14, kLhLabel),
                       box  ("txtPhone",    "Phone",    208, 80, 120, 14, Fixed, kLhValue),
-                      label("Label3",      "Fax :",    334, 80,  30, 14, kLhLabel),
+                      heading("Label3",      "Fax :",    334, 80,  30, 14, kLhLabel),
                       box  ("txtFax",      "Fax",      366, 80, 121, 14, Fixed, kLhValue),
-                      label("Label4",      "Email :",    0, 96,  42, 14, kLhLabel),
+                      heading("Label4",      "Email :",    0, 96,  42, 14, kLhLabel),
                       box  ("txtEmail",    "Email",     44, 96, 280, 14, Fixed, kLhValue),
                       rule ("Line1",                   116, 0, W, 1.2),
                   }),
@@ -244,13 +211,13 @@ ReportDesign RptLetterHead2() {
                       box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine, Align::Center),
                       box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine, Align::Center),
                       box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine, Align::Center),
-                      label("Label2",      "Cell : ",   24, 80,  72, 14, kLhLabel, Align::Right),
+                      heading("Label2",      "Cell : ",   24, 80,  72, 14, kLhLabel, Align::Right),
                       box  ("txtCell",     "Cell",      98, 80, 112, 14, Fixed, kLhValue),
-                      label("Label1",      "Phone :",  214, 80,  44, 14, kLhLabel),
+                      heading("Label1",      "Phone :",  214, 80,  44, 14, kLhLabel),
                       box  ("txtPhone",    "Phone",    260, 80, 104, 14, Fixed, kLhValue),
-                      label("Label3",      "Fax :",    368, 80,  30, 14, kLhLabel),
+                      heading("Label3",      "Fax :",    368, 80,  30, 14, kLhLabel),
                       box  ("txtFax",      "Fax",      400, 80,  87, 14, Fixed, kLhValue),
-                      label("Label4",      "Email :",  150, 96,  44, 14, kLhLabel, Align::Right),
+                      heading("Label4",      "Email :",  150, 96,  44, 14, kLhLabel, Align::Right),
                       box  ("txtEmail",    "Email",    196, 96, 200, 14, Fixed, kLhValue),
                       rule ("Line1",                   116, 0, W, 1.2),
                   }),

@@ -510,4 +510,43 @@ QImage renderPage(const LaidOutReport& report, int pageIndex, double dotsPerInch
     return image;
 }
 
+Control label(const QString& name, const QString& caption, double left, double top, double width,
+              double height, FontSpec font, Align align) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::Label;
+    c.caption = caption;
+    c.left = left, c.top = top, c.width = width, c.height = height;
+    c.font = font;
+    c.align = align;
+    return c;
+}
+
+Control textBox(const QString& name, const QString& field, double left, double top, double width,
+                double height, bool grows, FontSpec font, Align align) {
+    Control c = label(name, QString(), left, top, width, height, font, align);
+    c.kind = ControlKind::TextBox;
+    c.dataField = field;
+    c.canGrow = grows;
+    return c;
+}
+
+Control rule(const QString& name, double top, double left, double width, double thickness) {
+    Control c;
+    c.name = name;
+    c.kind = ControlKind::Line;
+    c.left = left, c.top = top, c.width = width, c.height = 0;
+    c.lineWidth = thickness;
+    return c;
+}
+
+Section section(const QString& name, SectionKind kind, double height, QVector<Control> controls) {
+    Section s;
+    s.name = name;
+    s.kind = kind;
+    s.height = height;
+    s.controls = std::move(controls);
+    return s;
+}
+
 } // namespace reports

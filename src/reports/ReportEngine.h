@@ -64,6 +64,16 @@ class Section {
     bool hasControl(const QString& controlName) const;
 };
 
+// Builders from which each design is written as a table of controls. Positions in points.
+Control label(const QString& name, const QString& caption, double left, double top, double width,
+              double height, FontSpec font = {}, Align align = Align::Left);
+Control textBox(const QString& name, const QString& field, double left, double top, double width,
+                double height, bool grows = false, FontSpec font = {}, Align align = Align::Left);
+// A horizontal rule, across the body unless a width is given.
+Control rule(const QString& name, double top, double left = 0, double width = kToRightMargin,
+             double thickness = 0.8);
+Section section(const QString& name, SectionKind kind, double height, QVector<Control> controls = {});
+
 // A report design: title, the command it reads and its five sections in print order.
 class ReportDesign {
   public:

@@ -12,40 +12,11 @@ const FontSpec kBody{10.0};
 
 Control textBox(const QString& name, const QString& field, double left, double top, double width,
                 bool grows) {
-    Control c;
-    c.name = name;
-    c.kind = ControlKind::TextBox;
-    c.dataField = field;
-    c.left = left, c.top = top, c.width = width, c.height = 14;
-    c.font = kBody;
-    c.canGrow = grows;
-    return c;
+    return reports::textBox(name, field, left, top, width, 14, grows, kBody);
 }
 
 Control label(const QString& name, const QString& caption, double top = 0, double width = 200) {
-    Control c;
-    c.name = name;
-    c.caption = caption;
-    c.top = top, c.width = width, c.height = 14;
-    c.font = kBody;
-    return c;
-}
-
-Control rule(const QString& name, double top) {
-    Control c;
-    c.name = name;
-    c.kind = ControlKind::Line;
-    c.top = top, c.width = kToRightMargin;
-    return c;
-}
-
-Section section(const QString& name, SectionKind kind, double height, QVector<Control> controls = {}) {
-    Section s;
-    s.name = name;
-    s.kind = kind;
-    s.height = height;
-    s.controls = std::move(controls);
-    return s;
+    return reports::label(name, caption, 0, top, width, 14, kBody);
 }
 
 // A list: a heading, a detail of a number and a growing text with a rule below, a footer.
