@@ -3,7 +3,6 @@
 #include "ClassificationLayout.h"
 #include "platform/Controls.h"
 #include "platform/Conversions.h"
-#include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
@@ -42,23 +41,14 @@ QWidget* frmDocCat::build() {
 
 void frmDocCat::Form_Load() {
     prepareWindow();
-    try {
-        platform::setMousePointer(platform::vbHourglass);
-        if (GenMod::OpenConnection()) {
-            FieldCaptions::Apply({
-                FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
-                                     QStringLiteral("Document Category :")),
-                FieldCaptions::formCaption(window(), QStringLiteral("DocCat"),
-                                           QStringLiteral("Document Category")),
-            });
-            GenMod::CloseConnection();
-        }
-        platform::setMousePointer(platform::vbDefault);
-    } catch (const platform::Error& e) {
-        platform::setMousePointer(platform::vbDefault);
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
-    fitWindow();
+    readAtLoad(true, [this] {
+        FieldCaptions::Apply({
+            FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
+                                 QStringLiteral("Document Category :")),
+            FieldCaptions::formCaption(window(), QStringLiteral("DocCat"),
+                                       QStringLiteral("Document Category")),
+        });
+    });
 }
 
 void frmDocCat::cmd_Click(int index) {

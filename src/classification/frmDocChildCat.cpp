@@ -61,26 +61,20 @@ QWidget* frmDocChildCat::build() {
 void frmDocChildCat::Form_Load() {
     prepareWindow();
     // No hourglass on this screen. The sub-categories wait for a choice of category.
-    try {
-        if (GenMod::OpenConnection()) {
-            GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
-                              QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
-            FieldCaptions::Apply({
-                FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
-                                     QStringLiteral("Document Category :")),
-                FieldCaptions::label(lblDocSubCategory(), QStringLiteral("DocSubCat"),
-                                     QStringLiteral("Document Sub-Category :")),
-                FieldCaptions::label(lblDocChildCategory(), QStringLiteral("DocChildCat"),
-                                     QStringLiteral("Document Child Category :")),
-                FieldCaptions::formCaption(window(), QStringLiteral("DocChildCat"),
-                                           QStringLiteral("Document Child Category")),
-            });
-            GenMod::CloseConnection();
-        }
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
-    fitWindow();
+    readAtLoad(false, [this] {
+        GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
+                          QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
+        FieldCaptions::Apply({
+            FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
+                                 QStringLiteral("Document Category :")),
+            FieldCaptions::label(lblDocSubCategory(), QStringLiteral("DocSubCat"),
+                                 QStringLiteral("Document Sub-Category :")),
+            FieldCaptions::label(lblDocChildCategory(), QStringLiteral("DocChildCat"),
+                                 QStringLiteral("Document Child Category :")),
+            FieldCaptions::formCaption(window(), QStringLiteral("DocChildCat"),
+                                       QStringLiteral("Document Child Category")),
+        });
+    });
 }
 
 void frmDocChildCat::cmd_Click(int index) {

@@ -52,24 +52,18 @@ QWidget* frmDocSubCat::build() {
 void frmDocSubCat::Form_Load() {
     prepareWindow();
     // No hourglass on this screen.
-    try {
-        if (GenMod::OpenConnection()) {
-            GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
-                              QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
-            FieldCaptions::Apply({
-                FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
-                                     QStringLiteral("Document Category :")),
-                FieldCaptions::label(lblDocSubCategory(), QStringLiteral("DocSubCat"),
-                                     QStringLiteral("Document Sub-Category :")),
-                FieldCaptions::formCaption(window(), QStringLiteral("DocSubCat"),
-                                           QStringLiteral("Document Sub-Category")),
-            });
-            GenMod::CloseConnection();
-        }
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
-    fitWindow();
+    readAtLoad(false, [this] {
+        GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
+                          QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
+        FieldCaptions::Apply({
+            FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
+                                 QStringLiteral("Document Category :")),
+            FieldCaptions::label(lblDocSubCategory(), QStringLiteral("DocSubCat"),
+                                 QStringLiteral("Document Sub-Category :")),
+            FieldCaptions::formCaption(window(), QStringLiteral("DocSubCat"),
+                                       QStringLiteral("Document Sub-Category")),
+        });
+    });
 }
 
 void frmDocSubCat::cmd_Click(int index) {

@@ -3,7 +3,6 @@
 #include "ClassificationLayout.h"
 #include "platform/Controls.h"
 #include "platform/Conversions.h"
-#include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
@@ -41,23 +40,12 @@ QWidget* frmDocType::build() {
 
 void frmDocType::Form_Load() {
     prepareWindow();
-    try {
-        platform::setMousePointer(platform::vbHourglass);
-        if (GenMod::OpenConnection()) {
-            FieldCaptions::Apply({
-                FieldCaptions::label(lblDocType(), QStringLiteral("DocType"),
-                                     QStringLiteral("Document Type :")),
-                FieldCaptions::formCaption(window(), QStringLiteral("DocType"),
-                                           QStringLiteral("Document Type")),
-            });
-            GenMod::CloseConnection();
-        }
-        platform::setMousePointer(platform::vbDefault);
-    } catch (const platform::Error& e) {
-        platform::setMousePointer(platform::vbDefault);
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
-    fitWindow();
+    readAtLoad(true, [this] {
+        FieldCaptions::Apply({
+            FieldCaptions::label(lblDocType(), QStringLiteral("DocType"), QStringLiteral("Document Type :")),
+            FieldCaptions::formCaption(window(), QStringLiteral("DocType"), QStringLiteral("Document Type")),
+        });
+    });
 }
 
 void frmDocType::cmd_Click(int index) {

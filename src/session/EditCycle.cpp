@@ -3,6 +3,7 @@
 #include "GenMod.h"
 #include "Session.h"
 #include "platform/Controls.h"
+#include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
 
 #include <QMdiArea>
@@ -36,6 +37,24 @@ void RecordForm::prepareWindow() {
     w->setBackgroundRole(QPalette::Button);
     w->setAutoFillBackground(true);
     GenMod::CenterForm(w);
+}
+
+void RecordForm::readAtLoad(bool hourglass, const std::function<void()>& read) {
+    try {
+        if (hourglass)
+            platform::setMousePointer(platform::vbHourglass);
+        if (GenMod::OpenConnection()) {
+            read();
+            GenMod::CloseConnection();
+        }
+        if (hourglass)
+            platform::setMousePointer(platform::vbDefault);
+    } catch (const platform::Error& e) {
+        if (hourglass)
+            platform::setMousePointer(platform::vbDefault);
+        platform::MsgBox(e.description(), platform::vbCritical);
+    }
+    fitWindow();
 }
 
 void RecordForm::fitWindow() {

@@ -64,6 +64,11 @@ class RecordForm : public Form {
     void prepareWindow();
     // Lets the window grow to fit captions that changed after it was built.
     void fitWindow();
+    // The reading part of Form_Load: on a connection of its own, `read` fills the pick lists
+    // and applies the captions; with `hourglass` the pointer shows it. An error is shown with
+    // the critical icon and leaves the controls as far as they got. The window then grows to
+    // fit what was read.
+    void readAtLoad(bool hourglass, const std::function<void()>& read);
 
     // Reset: hide the list, run the screen's clear routine, leave EditMode.
     void resetRecord(QWidget* list, const std::function<void()>& clearFields);
