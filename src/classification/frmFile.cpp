@@ -24,6 +24,7 @@ constexpr int FieldWidth = 240;
 // The particulars box is drawn tall, though it holds one line.
 constexpr int ParticularsHeight = 60;
 constexpr int NumberColumnWidth = 150;
+constexpr int ParticularsColumnWidth = 150;
 constexpr int ListHeight = 190;
 } // namespace
 
@@ -53,27 +54,35 @@ QWidget* frmFile::build() {
     outer->setSizeConstraint(QLayout::SetMinimumSize);
 
     // The fields on the left; the list, when shown, covers them and leaves the buttons free.
-    auto* fields = new QGridLayout;
+    // The fields keep a grid of their own: a hidden list spanning the same grid's cells would
+    // take the spacing out from between the labels and the boxes.
+    auto* area = new QGridLayout;
+    area->setContentsMargins(0, 0, 0, 0);
+    outer->addLayout(area, 1);
+    auto* panel = new QWidget(w);
+    panel->setObjectName(QStringLiteral("fieldsPanel"));
+    auto* fields = new QGridLayout(panel);
+    fields->setContentsMargins(0, 0, 0, 0);
     fields->setHorizontalSpacing(10);
     fields->setVerticalSpacing(8);
     fields->setColumnStretch(1, 1);
     fields->setRowStretch(2, 1);
-    outer->addLayout(fields, 1);
+    area->addWidget(panel, 0, 0);
 
-    auto* txtFileNo = new QLineEdit(w);
+    auto* txtFileNo = new QLineEdit(panel);
     txtFileNo->setObjectName(QStringLiteral("txtFileNo"));
     txtFileNo->setMaxLength(NumberLength);
     txtFileNo->setMinimumWidth(FieldWidth);
-    auto* lblEmail = new QLabel(QStringLiteral("File Number :"), w);
+    auto* lblEmail = new QLabel(QStringLiteral("File Number :"), panel);
     lblEmail->setObjectName(QStringLiteral("lblEmail"));
     platform::setBuddy(lblEmail, txtFileNo);
 
-    auto* txtParticulars = new QLineEdit(w);
+    auto* txtParticulars = new QLineEdit(panel);
     txtParticulars->setObjectName(QStringLiteral("txtParticulars"));
     txtParticulars->setMaxLength(NumberLength);
     txtParticulars->setMinimumWidth(FieldWidth);
     txtParticulars->setFixedHeight(ParticularsHeight);
-    auto* Label1 = new QLabel(QStringLiteral("Particulars :"), w);
+    auto* Label1 = new QLabel(QStringLiteral("Particulars :"), panel);
     Label1->setObjectName(QStringLiteral("Label1"));
     platform::setBuddy(Label1, txtParticulars);
 
@@ -90,14 +99,16 @@ QWidget* frmFile::build() {
     list->setAccessibleName(QStringLiteral("Double click a record to edit"));
     list->addColumn(QStringLiteral("FileID"), 0);
     list->addColumn(QStringLiteral("File number"), NumberColumnWidth);
-    list->addColumn(QStringLiteral("Particulars"), FieldWidth);
+    list->addColumn(QStringLiteral("Particulars"), ParticularsColumnWidth);
     list->header()->setSectionsMovable(false);
+    // The particulars fill the list's width, so no sideways scroll bar takes a row.
+    list->header()->setStretchLastSection(true);
     list->setMinimumHeight(ListHeight);
     // The window keeps the list's room while it is hidden, so Edit never has to grow it.
     QSizePolicy policy = list->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     list->setSizePolicy(policy);
-    fields->addWidget(list, 0, 0, 3, 2);
+    area->addWidget(list, 0, 0);
     list->raise();
     list->hide();
 

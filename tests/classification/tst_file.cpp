@@ -162,8 +162,17 @@ class TestFileRegister : public QObject {
         QVERIFY(listShown());
         QCoreApplication::processEvents();
         const QRect cover = list()->geometry();
-        QVERIFY(cover.contains(ctl<QLineEdit>("txtFileNo")->geometry()));
-        QVERIFY(cover.contains(ctl<QLineEdit>("txtParticulars")->geometry()));
+        // Compared in the window's coordinates, since the boxes lie in a panel of their own.
+        const auto inWindow = [&](QWidget* box) {
+            return QRect(box->mapTo(form().window(), QPoint(0, 0)), box->size());
+        };
+        QVERIFY(cover.contains(inWindow(ctl<QLineEdit>("txtFileNo"))));
+        QVERIFY(cover.contains(inWindow(ctl<QLineEdit>("txtParticulars"))));
+        // Labels and boxes keep visible gaps between them.
+        const QRect number = inWindow(ctl<QLineEdit>("txtFileNo"));
+        const QRect particulars = inWindow(ctl<QLineEdit>("txtParticulars"));
+        QVERIFY(particulars.top() - number.bottom() > 4);
+        QVERIFY(number.left() - inWindow(ctl<QLabel>("lblEmail")).right() > 4);
         for (int i = 0; i < 5; ++i) {
             QVERIFY(!cover.intersects(form().cmd(i)->geometry()));
             QVERIFY(w->rect().contains(form().cmd(i)->geometry()));
