@@ -342,10 +342,10 @@ void MDI::ImgAbout_Click() {
 }
 
 void MDI::ImgHelp_Click() {
-    const QString folder = platform::appPath();
-    // The path is not quoted: a folder with a blank in it breaks the viewer's argument.
-    const QString commandLine = platform::joinPath(folder, QStringLiteral("VorlaneHelp")) + QLatin1Char(' ') +
-                                platform::joinPath(folder, QStringLiteral("Vorlane.html"));
+    // The viewer is found by its bare name beside the program. The file's path is not
+    // quoted: a folder with a blank in it breaks the viewer's argument.
+    const QString commandLine = QStringLiteral("VorlaneHelp ") +
+                                platform::joinPath(platform::appPath(), QStringLiteral("Vorlane.html"));
     try {
         platform::Shell(commandLine, platform::vbNormalFocus);
     } catch (const platform::Error& e) {

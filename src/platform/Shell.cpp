@@ -1,6 +1,7 @@
 #include "Shell.h"
 
 #include "Error.h"
+#include "Files.h"
 #include "TestState.h"
 
 #include <QDir>
@@ -18,10 +19,19 @@ QStringList splitCommandLine(const QString& commandLine) {
     return QProcess::splitCommand(commandLine);
 }
 
-bool programExists(const QString& program) {
-    if (program.contains(QLatin1Char('/')))
-        return QFileInfo(program).isFile() && QFileInfo(program).isExecutable();
-    return !QStandardPaths::findExecutable(program).isEmpty();
+// The program to start: a path as given, or a bare name looked for in the program's own
+// folder first and then along the search path, as the platform's own start does.
+QString resolveProgram(const QString& program) {
+    if (program.isEmpty())
+        return QString();
+    if (program.contains(QLatin1Char('/'))) {
+        const QFileInfo info(program);
+        return info.isFile() && info.isExecutable() ? program : QString();
+    }
+    const QFileInfo beside(QDir(appPath()).filePath(program));
+    if (beside.isFile() && beside.isExecutable())
+        return beside.filePath();
+    return QStandardPaths::findExecutable(program);
 }
 } // namespace
 
@@ -30,15 +40,16 @@ qint64 Shell(const QString& commandLine, int windowStyle) {
     const QStringList words = splitCommandLine(commandLine.trimmed());
     auto& state = detail::testState();
     if (state.enabled) {
-        if (state.shellChecksProgram && (words.isEmpty() || !programExists(words.first())))
+        if (state.shellChecksProgram && (words.isEmpty() || resolveProgram(words.first()).isEmpty()))
             throw Error(ErrFileNotFound, QStringLiteral("File not found"));
         state.started.append(commandLine);
         return 1;
     }
-    if (words.isEmpty() || !programExists(words.first()))
+    const QString program = words.isEmpty() ? QString() : resolveProgram(words.first());
+    if (program.isEmpty())
         throw Error(ErrFileNotFound, QStringLiteral("File not found"));
     qint64 pid = 0;
-    if (!QProcess::startDetached(words.first(), words.mid(1), QString(), &pid))
+    if (!QProcess::startDetached(program, words.mid(1), QString(), &pid))
         throw Error(ErrFileNotFound, QStringLiteral("File not found"));
     return pid;
 }

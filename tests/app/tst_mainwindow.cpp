@@ -150,17 +150,35 @@ class TestMainWindow : public QObject {
         click("ImgHelp");
         click("ImgHelp");
         const QStringList started = platform::test::takeStartedCommands();
-        const QString expected = m_env->appPath() + "/VorlaneHelp " + m_env->appPath() + "/Vorlane.html";
+        const QString expected = "VorlaneHelp " + m_env->appPath() + "/Vorlane.html";
         QCOMPARE(started, (QStringList{expected, expected}));
         // A viewer that cannot start is reported, and the window goes on.
         platform::test::setShellChecksProgram(true);
         click("ImgHelp");
-        platform::test::setShellChecksProgram(false);
         QCOMPARE(messages(), QStringList{"48:File not found"});
+
+        // The viewer beside the program starts even from a folder with a blank in its name;
+        // only the help file's path reaches it broken.
+        const QString folder = m_env->appPath() + "/My Programs";
+        QVERIFY(QDir().mkpath(folder));
+        QFile viewer(folder + "/VorlaneHelp");
+        QVERIFY(viewer.open(QIODevice::WriteOnly));
+        viewer.write("#!/bin/sh\n");
+        viewer.close();
+        QVERIFY(viewer.setPermissions(viewer.permissions() | QFile::ExeOwner));
+        platform::test::setAppPath(folder);
+        click("ImgHelp");
+        platform::test::setAppPath(m_env->appPath());
+        platform::test::setShellChecksProgram(false);
+        QVERIFY(messages().isEmpty());
+        QCOMPARE(platform::test::takeStartedCommands(),
+                 QStringList{"VorlaneHelp " + folder + "/Vorlane.html"});
     }
 
   private:
-    ImageControl* entry(const char* name) { return MDI::instance().control<ImageControl>(QString::fromLatin1(name)); }
+    ImageControl* entry(const char* name) {
+        return MDI::instance().control<ImageControl>(QString::fromLatin1(name));
+    }
     void hover(const char* name) {
         QMouseEvent move(QEvent::MouseMove, QPointF(10, 10), QPointF(10, 10), Qt::NoButton, Qt::NoButton,
                          Qt::NoModifier);
