@@ -122,6 +122,7 @@ QString ReadUserRights(const QString& statement) {
         rs.Close();
     } catch (const platform::Error& e) {
         showCritical(e);
+        return QString(); // the default, even when a column was read before the error
     }
     return rights;
 }

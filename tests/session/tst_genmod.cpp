@@ -143,6 +143,12 @@ class TestGenMod : public QObject {
         QVERIFY(messages().isEmpty());
         QCOMPARE(ReadUserRights("Select UserID, Nothing from Logins"), QString());
         QVERIFY(messages().value(0).startsWith(Critical));
+        // A UserID beyond 16 bits fails after the level was found: the level is not kept.
+        m_env->exec("update Logins set UserID=40000, \"View\"=1");
+        QCOMPARE(ReadUserRights("Select UserID, View, Save, Modify from Logins where UserID=40000"),
+                 QString());
+        QVERIFY(messages().value(0).startsWith(Critical));
+        QCOMPARE(Session::CurrentUserID, qint16(5));
     }
 
     void openConnectionReportsAMissingDatabaseUntilItComesBack() {
@@ -150,7 +156,8 @@ class TestGenMod : public QObject {
         const QString path = m_env->databasePath();
         QVERIFY(QFile::rename(path, path + ".away"));
         QVERIFY(!OpenConnection());
-        QCOMPARE(messages(), QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
+        QCOMPARE(messages(),
+                 QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
         QVERIFY(!QFile::exists(path)); // never created by the program
         QVERIFY(QFile::rename(path + ".away", path));
         QVERIFY(OpenConnection());
