@@ -25,6 +25,12 @@ Control heading(const QString& name, const QString& caption, double left, double
 
 enum Grow { Fixed, Grows };
 
+// A control placed from the middle of the body rather than its left edge.
+Control mid(Control c) {
+    c.anchor = Anchor::Middle;
+    return c;
+}
+
 Control box(const QString& name, const QString& field, double left, double top, double width, double height,
             Grow grow = Fixed, FontSpec font = kRow, Align align = Align::Left) {
     return textBox(name, field, left, top, width, height, grow == Grows, font, align);
@@ -211,14 +217,16 @@ ReportDesign RptLetterHead2() {
                       box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine, Align::Center),
                       box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine, Align::Center),
                       box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine, Align::Center),
-                      heading("Label2",      "Cell : ",   24, 80,  72, 14, kLhLabel, Align::Right),
-                      box  ("txtCell",     "Cell",      98, 80, 112, 14, Fixed, kLhValue),
-                      heading("Label1",      "Phone :",  214, 80,  44, 14, kLhLabel),
-                      box  ("txtPhone",    "Phone",    260, 80, 104, 14, Fixed, kLhValue),
-                      heading("Label3",      "Fax :",    368, 80,  30, 14, kLhLabel),
-                      box  ("txtFax",      "Fax",      400, 80,  87, 14, Fixed, kLhValue),
-                      heading("Label4",      "Email :",  150, 96,  44, 14, kLhLabel, Align::Right),
-                      box  ("txtEmail",    "Email",    196, 96, 200, 14, Fixed, kLhValue),
+                      // The rows below count from the middle of the body, so they stay
+                      // centred under the name on any paper.
+                      mid(heading("Label2",  "Cell : ", -220, 80,  72, 14, kLhLabel, Align::Right)),
+                      mid(box  ("txtCell",   "Cell",    -146, 80, 112, 14, Fixed, kLhValue)),
+                      mid(heading("Label1",  "Phone :",  -30, 80,  44, 14, kLhLabel)),
+                      mid(box  ("txtPhone",  "Phone",     16, 80, 104, 14, Fixed, kLhValue)),
+                      mid(heading("Label3",  "Fax :",    124, 80,  30, 14, kLhLabel)),
+                      mid(box  ("txtFax",    "Fax",      156, 80,  87, 14, Fixed, kLhValue)),
+                      mid(heading("Label4",  "Email :",  -94, 96,  44, 14, kLhLabel, Align::Right)),
+                      mid(box  ("txtEmail",  "Email",    -48, 96, 200, 14, Fixed, kLhValue)),
                       rule ("Line1",                   116, 0, W, 1.2),
                   }),
                   letterFooter(), reportFooter());

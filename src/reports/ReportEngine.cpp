@@ -213,8 +213,12 @@ struct Band {
     double height = 0;
 };
 
+double controlLeft(const Control& c, double bodyWidth) {
+    return c.anchor == Anchor::Middle ? bodyWidth / 2 + c.left : c.left;
+}
+
 double controlWidth(const Control& c, double bodyWidth) {
-    return c.width == kToRightMargin ? std::max(0.0, bodyWidth - c.left) : c.width;
+    return c.width == kToRightMargin ? std::max(0.0, bodyWidth - controlLeft(c, bodyWidth)) : c.width;
 }
 
 constexpr double kKeptGap = 3.0;
@@ -224,6 +228,7 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
     const int n = int(section.controls.size());
     struct Placed {
         const Control* control;
+        double left;
         double width;
         QStringList lines;
         double lineHeight;
@@ -234,7 +239,7 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
     placed.reserve(n);
     double designBottom = 0;
     for (const Control& c : section.controls) {
-        Placed p{&c, controlWidth(c, bodyWidth), {}, 0};
+        Placed p{&c, controlLeft(c, bodyWidth), controlWidth(c, bodyWidth), {}, 0};
         designBottom = std::max(designBottom, c.top + c.height);
         if (c.kind != ControlKind::Line) {
             const QString text = c.kind == ControlKind::Label ? c.caption
@@ -271,7 +276,7 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
             const Control& d = *q.control;
             const double gap = c.top - (d.top + d.height);
             const bool overlaps =
-                d.left < c.left + std::max(p.width, 0.5) && c.left < d.left + std::max(q.width, 0.5);
+                q.left < p.left + std::max(p.width, 0.5) && p.left < q.left + std::max(q.width, 0.5);
             // A wide design gap takes up growth, down to a small gap that stays.
             if (gap >= -0.5 && overlaps)
                 p.shift = std::max(p.shift, q.shift + q.growth - std::max(0.0, gap - kKeptGap));
@@ -289,7 +294,7 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
             item.kind = ControlKind::Line;
             item.control = c.name;
             item.section = section.name;
-            item.rect = QRectF(c.left, top, p.width, c.height);
+            item.rect = QRectF(p.left, top, p.width, c.height);
             item.lineWidth = c.lineWidth;
             band.items.append(item);
             continue;
@@ -301,7 +306,7 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
             item.kind = c.kind;
             item.control = c.name;
             item.section = section.name;
-            item.rect = QRectF(c.left, top + k * p.lineHeight, p.width, p.lineHeight);
+            item.rect = QRectF(p.left, top + k * p.lineHeight, p.width, p.lineHeight);
             item.text = p.lines[k];
             item.font = c.font;
             item.align = c.align;

@@ -24,6 +24,9 @@ inline constexpr double kToRightMargin = -1.0;
 
 enum class ControlKind { Label, TextBox, Line };
 enum class Align { Left, Center, Right };
+// Where a control's left position counts from: the body's left edge, or its middle, so that
+// a centred arrangement stays centred on any paper.
+enum class Anchor { Left, Middle };
 
 struct FontSpec {
     double pointSize = 9.0;
@@ -42,6 +45,7 @@ class Control {
     double left = 0, top = 0, width = 0, height = 0;
     FontSpec font;
     Align align = Align::Left;
+    Anchor anchor = Anchor::Left;
     bool canGrow = false;   // the box grows to hold its text and pushes the band down
     double lineWidth = 0.8; // Line only, in points
 

@@ -102,7 +102,7 @@ MemoryData personal() {
               {"FullName", "Marguerite Halvorsen & Associates"},
               {"Add1", "Chartered Accountants"},
               {"Add2", "41 Kingsbridge Avenue, Suite 300"},
-              {"Add3", " Halden 1772, Norway"},
+              {"Add3", "Halden 1772, Norway"},
               {"Phone", "+47 69 00 00 00"},
               {"Cell", "+47 900 00 000"},
               {"Fax", "+47 69 00 00 01"},
@@ -365,6 +365,14 @@ void TestReportDesigns::letterheadsDifferInAlignmentAndCellLabel() {
     QVERIFY(find(c, "txtCell")->rect.left() - find(c, "Label2")->rect.right() < 4);
     const double middle = setup.paper.width() / 2;
     QVERIFY(find(c, "Label4")->rect.left() < middle && find(c, "txtEmail")->rect.right() > middle);
+    // On US Letter the centred head's rows keep their place relative to the middle.
+    const auto onLetter = layoutReport(designs::RptLetterHead2(), personal(), PageSetup::letter());
+    const double letterMiddle = PageSetup::letter().paper.width() / 2;
+    for (const char* name :
+         {"Label2", "txtCell", "Label1", "txtPhone", "Label3", "txtFax", "Label4", "txtEmail"})
+        QVERIFY2(std::abs((find(onLetter.pages[0], name)->rect.left() - letterMiddle) -
+                          (find(c, name)->rect.left() - middle)) < 0.5,
+                 name);
 }
 
 void TestReportDesigns::fileListPdfReadsBack() {
