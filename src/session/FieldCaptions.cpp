@@ -5,6 +5,7 @@
 #include "platform/Conversions.h"
 
 #include <QLabel>
+#include <QMdiSubWindow>
 
 namespace FieldCaptions {
 
@@ -17,7 +18,12 @@ Caption label(QLabel* label, const QString& column, const QString& defaultText) 
 }
 
 Caption formCaption(QWidget* form, const QString& column, const QString& defaultText) {
-    return {column, defaultText, QString(), [form](const QString& text) { form->setWindowTitle(text); }};
+    return {column, defaultText, QString(), [form](const QString& text) {
+                form->setWindowTitle(text);
+                // The frame of a child window follows its form's title, except to an empty one.
+                if (auto* frame = qobject_cast<QMdiSubWindow*>(form->parentWidget()))
+                    frame->setWindowTitle(text);
+            }};
 }
 
 void Apply(const QList<Caption>& captions) {

@@ -56,6 +56,16 @@ class TestClassificationInMainWindow : public QObject {
         MDI::instance().Show();
         MDI::instance().window()->resize(1024, 720);
     }
+    // An emptied name leaves the frame without a title, not with the design caption.
+    void anEmptiedNameLeavesTheFrameUntitled() {
+        env->exec("update FieldCaptions set DocType=''");
+        frmDocType::instance().Unload();
+        MDI::instance().entryClick("ImgDocType");
+        QWidget* w = frmDocType::instance().window();
+        QCOMPARE(w->windowTitle(), QString());
+        QCOMPARE(qobject_cast<QMdiSubWindow*>(w->parentWidget())->windowTitle(), QString());
+        QCOMPARE(testsupport::messages(), QStringList());
+    }
     void cleanupTestCase() {
         for (const auto& e : entries())
             e.form->Unload();
