@@ -129,7 +129,10 @@ void ImageControl::keyPressEvent(QKeyEvent* event) {
 
 void ImageControl::focusInEvent(QFocusEvent* event) {
     QLabel::focusInEvent(event);
-    emit MouseMove(); // a keyboard user sees the entry with the focus lit, as under the mouse
+    // A keyboard user sees the entry reached by Tab lit, as under the mouse; the focus that the
+    // window gives its first entry on opening lights nothing.
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        emit MouseMove();
 }
 
 void ImageControl::paintEvent(QPaintEvent* event) {

@@ -58,6 +58,16 @@ class TestMainWindow : public QObject {
         QVERIFY(w->findChild<QObject*>("mnuHelpContents"));
     }
 
+    void theWindowOpensWithEveryEntryAtRest() {
+        QVERIFY(QTest::qWaitForWindowActive(MDI::instance().window()));
+        QVERIFY(entry("ImgPersonal")->hasFocus());
+        QVERIFY(shows("ImgPersonal", MDI::ImgList("Personal1")));
+        // Tab lights the entry it reaches, as the mouse would.
+        QTest::keyClick(entry("ImgPersonal"), Qt::Key_Tab);
+        QVERIFY(shows("ImgSettings", MDI::ImgList("Settings2")));
+        QVERIFY(shows("ImgPersonal", MDI::ImgList("Personal1")));
+    }
+
     void onlyTheEntryUnderTheMouseIsLit() {
         hover("ImgFile");
         QVERIFY(shows("ImgFile", MDI::ImgList("File2")));
