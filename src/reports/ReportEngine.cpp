@@ -397,7 +397,8 @@ class Paginator {
         const QString count = QString::number(m_pages.size());
         for (int i = 0; i < m_pages.size(); ++i)
             for (auto& item : m_pages[i].items)
-                if (item.text.contains(QLatin1Char('%')))
+                // Only captions carry page numbers; data prints as it is.
+                if (item.kind == ControlKind::Label && item.text.contains(QLatin1Char('%')))
                     item.text.replace(QStringLiteral("%P"), count)
                         .replace(QStringLiteral("%p"), QString::number(i + 1));
         return m_pages;
