@@ -3,6 +3,7 @@
 #include "reports/ReportDesigns.h"
 #include "reports/ReportPreview.h"
 
+#include <QPrinter>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -392,6 +393,19 @@ void TestReportDesigns::fileListPdfReadsBack() {
     }
     QVERIFY(pages[0].contains(QRegularExpression("F-001\\s+Electricity and water")));
     QVERIFY(text.contains("Old records (box 14 of 20)"));
+
+    // A printer holding other paper than the preview's gets pages laid out on its paper.
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(dir.filePath("onA4.pdf"));
+    printer.setPageSize(QPageSize(QPageSize::A4));
+    QVERIFY(report->printTo(printer));
+    const qsizetype onA4 = layoutReport(designs::RptFileList(), files(), PageSetup::a4()).pages.size();
+    QVERIFY(onA4 != pages.size());
+    const QStringList printed =
+        pdfText(dir.filePath("onA4.pdf")).split(QLatin1Char('\f'), Qt::SkipEmptyParts);
+    QCOMPARE(printed.size(), onA4);
+    QVERIFY(printed.last().contains(QStringLiteral("%1 of %1").arg(onA4)));
 
     // A folder that cannot be written: told with the exclamation icon, nothing thrown.
     QVERIFY(!report->exportPdf(dir.filePath("missing/folder/files.pdf")));
