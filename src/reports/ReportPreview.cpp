@@ -12,6 +12,7 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <QToolBar>
 #include <QToolButton>
@@ -136,8 +137,13 @@ void ReportPreview::lastPage() {
 }
 
 void ReportPreview::goToPage(int index) {
-    m_page = std::clamp(index, 0, std::max(0, pageCount() - 1));
+    const int page = std::clamp(index, 0, std::max(0, pageCount() - 1));
+    const bool turned = page != m_page;
+    m_page = page;
     showPage();
+    // Another page is read from its top.
+    if (turned)
+        m_scroll->verticalScrollBar()->setValue(0);
 }
 
 void ReportPreview::setZoom(double factor) {

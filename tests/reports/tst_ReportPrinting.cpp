@@ -4,6 +4,8 @@
 #include "support/TestSupport.h"
 
 #include <QFile>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <QtTest>
@@ -164,8 +166,13 @@ void TestReportPrinting::previewNavigatesZoomsSavesAndPrints() {
     QCOMPARE(preview->pageText(), QStringLiteral("Page 1 of %1").arg(count));
     preview->previousPage(); // stays on the first
     QCOMPARE(preview->currentPage(), 0);
+    // A page turned after scrolling down the last one shows the new page from its top.
+    auto* bar = preview->findChild<QScrollArea*>("pageArea")->verticalScrollBar();
+    bar->setRange(0, 500); // no window under test, so the range is set by hand
+    bar->setValue(500);
     preview->nextPage();
     QCOMPARE(preview->pageText(), QStringLiteral("Page 2 of %1").arg(count));
+    QCOMPARE(bar->value(), 0);
     preview->lastPage();
     QCOMPARE(preview->currentPage(), count - 1);
     preview->nextPage();
