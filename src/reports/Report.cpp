@@ -125,6 +125,8 @@ bool Report::exportPdf(const QString& path) {
     preparePrinter(printer, m_setup, m_design.title);
     QString why;
     if (!paintAll(printer, m_pages, why)) {
+        // No half-written file is left behind under the name the user gave.
+        QFile::remove(path);
         platform::MsgBox(QStringLiteral("The report could not be saved as \"%1\".\n%2")
                              .arg(QDir::toNativeSeparators(path), why),
                          platform::vbExclamation);
