@@ -88,6 +88,7 @@ void RecordForm::showRecordList(QWidget* list, const std::function<void()>& fill
         fill();
         GenMod::CloseConnection();
         list->show();
+        list->setFocus(); // a keyboard user picks a row at once
     } catch (const platform::Error& e) {
         MsgBox(e.description(), platform::vbCritical);
     }
@@ -109,7 +110,11 @@ void RecordForm::loadRecord(qint32 key, const QString& statement, QWidget* list,
         }
         rs.Close();
         GenMod::CloseConnection();
+        const bool picking = window()->focusWidget() == list;
         list->hide();
+        // A row picked from the keyboard leaves the focus in its first field, not on a button.
+        if (const auto boxes = platform::textBoxes(window()); picking && !boxes.isEmpty())
+            boxes.first()->setFocus();
     } catch (const platform::Error& e) {
         // Unlike the other steps, a failed load is shown as a warning.
         MsgBox(e.description(), platform::vbExclamation);

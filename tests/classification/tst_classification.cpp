@@ -465,8 +465,12 @@ class TestClassification : public QObject {
         emit list->DblClick();
         QCOMPARE(messages().size(), 1);
 
+        // From the keyboard: Edit hands the list the focus, and a picked row hands it to the name.
+        press(f, 1);
+        QCOMPARE(f.window()->focusWidget(), ctl<platform::ListBox>(f, "lstType"));
         dblClick(f, "lstType", "Small");
         QCOMPARE(f.CurrentRowID, 5);
+        QCOMPARE(f.window()->focusWidget(), ctl<QLineEdit>(f, "txtDocType"));
         QCOMPARE(messages(), QStringList());
     }
 
