@@ -148,7 +148,9 @@ void ImageControl::paintEvent(QPaintEvent* event) {
 
 // ---- MDI
 
-static void initImages() { Q_INIT_RESOURCE(images); }
+static void initImages() {
+    Q_INIT_RESOURCE(images);
+}
 
 MDI& MDI::instance() {
     static auto* form = [] {

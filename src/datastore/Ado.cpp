@@ -7,11 +7,11 @@
 
 #include <QDate>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
-#include <QRegularExpression>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUrl>
@@ -381,7 +381,8 @@ struct Recordset::Impl {
         static const QRegularExpression select(QStringLiteral("^\\s*select\\b"),
                                                QRegularExpression::CaseInsensitiveOption);
         if (!select.match(text).hasMatch())
-            throw platform::Error(ErrStatement, QStringLiteral("Only a Select statement can open a recordset."));
+            throw platform::Error(ErrStatement,
+                                  QStringLiteral("Only a Select statement can open a recordset."));
         c.applyTimeout(connection->CommandTimeout);
         QString failure;
         names.clear();

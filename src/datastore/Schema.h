@@ -28,9 +28,9 @@ bool isSchemaName(const QString& name);
 QString canonicalName(const QString& name);
 
 // Paths of the embedded store, relative to the program's folder.
-QString databaseFolder();  // <program folder>/Database
-QString databaseFile();    // <program folder>/Database/Vorlane.mdb
-QString backupFolder();    // <program folder>/Database/Backup
+QString databaseFolder(); // <program folder>/Database
+QString databaseFile();   // <program folder>/Database/Vorlane.mdb
+QString backupFolder();   // <program folder>/Database/Backup
 
 // Creates a new embedded database file with the schema and the first user
 // (UserID 1, level Modify) whose name and password are given already scrambled.

@@ -117,7 +117,7 @@ class TestMainWindow : public QObject {
         click("ImgSettings");
         click("ImgDataBackup");
         QCOMPARE(messages(), (QStringList{"48:You donot have rights to change Settings.",
-                                           "48:You donot have rights to take Backup."}));
+                                          "48:You donot have rights to take Backup."}));
         QCOMPARE(m_opened.value("ImgSettings"), 0);
         for (const char* level : {"Save", "Modify", ""}) {
             testsupport::setSession(2, QString::fromLatin1(level));

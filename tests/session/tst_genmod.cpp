@@ -128,7 +128,10 @@ class TestGenMod : public QObject {
 
     void readUserRightsTakesTheFirstSetColumn() {
         const auto rights = [&](int view, int save, int modify) {
-            m_env->exec(QStringLiteral("update Logins set \"View\"=%1, \"Save\"=%2, \"Modify\"=%3").arg(view).arg(save).arg(modify));
+            m_env->exec(QStringLiteral("update Logins set \"View\"=%1, \"Save\"=%2, \"Modify\"=%3")
+                            .arg(view)
+                            .arg(save)
+                            .arg(modify));
             return ReadUserRights("Select UserID, View, Save, Modify from Logins where UserID=1");
         };
         Session::CurrentUserID = 0;

@@ -65,7 +65,8 @@ class TestLogin : public QObject {
         QTest::newRow("comment") << s("admin'--") << QStringLiteral("anything");
         QTest::newRow("second statement") << s("x'; delete from Logins; select '") << QStringLiteral("pw");
         QTest::newRow("quote from code 216") << QString(QChar(216)) << QString(QChar(216));
-        QTest::newRow("outside the code page") << QStringLiteral("\u03A9\u4E2D") << QStringLiteral("\U0001F600");
+        QTest::newRow("outside the code page")
+            << QStringLiteral("\u03A9\u4E2D") << QStringLiteral("\U0001F600");
         QTest::newRow("double quotes") << s("\"admin\"") << s("\"admin\"");
     }
     void craftedNamesNeverLogAnyoneIn() {
@@ -90,7 +91,8 @@ class TestLogin : public QObject {
         const QString path = m_env->databasePath();
         QVERIFY(QFile::rename(path, path + ".away"));
         login("admin", "admin");
-        QCOMPARE(messages(), QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
+        QCOMPARE(messages(),
+                 QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
         QVERIFY(frmLogin::instance().isLoaded());
         QVERIFY(QFile::rename(path + ".away", path));
         QTest::mouseClick(button("cmdLogin"), Qt::LeftButton);
@@ -132,7 +134,9 @@ class TestLogin : public QObject {
     }
 
   private:
-    QLineEdit* box(const char* name) { return frmLogin::instance().control<QLineEdit>(QString::fromLatin1(name)); }
+    QLineEdit* box(const char* name) {
+        return frmLogin::instance().control<QLineEdit>(QString::fromLatin1(name));
+    }
     QPushButton* button(const char* name) {
         return frmLogin::instance().control<QPushButton>(QString::fromLatin1(name));
     }
