@@ -87,10 +87,8 @@ void frmDocCat::ShowCategoryList() {
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocCat::lstCategory_DblClick() {
-    auto* list = lstCategory();
-    if (list->ListCount() == 0)
-        return;
-    LoadCategory(platform::CInt(list->ItemData(list->ListIndex())));
+    if (const auto key = chosenKey(lstCategory()))
+        LoadCategory(*key);
 }
 
 void frmDocCat::LoadCategory(qint16 key) {

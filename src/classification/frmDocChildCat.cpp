@@ -136,10 +136,8 @@ void frmDocChildCat::ShowChildCategoryList() {
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocChildCat::lstChildCategory_DblClick() {
-    auto* list = lstChildCategory();
-    if (list->ListCount() == 0)
-        return;
-    LoadChildCategory(platform::CInt(list->ItemData(list->ListIndex())));
+    if (const auto key = chosenKey(lstChildCategory()))
+        LoadChildCategory(*key);
 }
 
 void frmDocChildCat::LoadChildCategory(qint16 key) {

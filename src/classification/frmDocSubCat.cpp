@@ -104,10 +104,8 @@ void frmDocSubCat::ShowSubCategoryList() {
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocSubCat::lstSubCategory_DblClick() {
-    auto* list = lstSubCategory();
-    if (list->ListCount() == 0)
-        return;
-    LoadSubCategory(platform::CInt(list->ItemData(list->ListIndex())));
+    if (const auto key = chosenKey(lstSubCategory()))
+        LoadSubCategory(*key);
 }
 
 void frmDocSubCat::LoadSubCategory(qint16 key) {

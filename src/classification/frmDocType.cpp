@@ -84,10 +84,8 @@ void frmDocType::ShowTypeList() {
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocType::lstType_DblClick() {
-    auto* list = lstType();
-    if (list->ListCount() == 0)
-        return;
-    LoadType(platform::CInt(list->ItemData(list->ListIndex())));
+    if (const auto key = chosenKey(lstType()))
+        LoadType(*key);
 }
 
 void frmDocType::LoadType(qint16 key) {

@@ -3,6 +3,7 @@
 #include "GenMod.h"
 #include "Session.h"
 #include "platform/Controls.h"
+#include "platform/Conversions.h"
 #include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
 
@@ -92,6 +93,12 @@ void RecordForm::showRecordList(QWidget* list, const std::function<void()>& fill
     } catch (const platform::Error& e) {
         MsgBox(e.description(), platform::vbCritical);
     }
+}
+
+std::optional<qint16> RecordForm::chosenKey(const platform::ListBox* list) {
+    if (list->ListCount() == 0)
+        return std::nullopt;
+    return platform::CInt(list->ItemData(list->ListIndex()));
 }
 
 void RecordForm::loadRecord(qint32 key, const QString& statement, QWidget* list,

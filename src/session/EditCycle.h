@@ -5,10 +5,14 @@
 #include <QList>
 #include <QString>
 #include <functional>
+#include <optional>
 
 class QPushButton;
 namespace db {
 class Recordset;
+}
+namespace platform {
+class ListBox;
 }
 
 // The edit cycle of the record screens: a screen keeps one row of a table at a time, new
@@ -85,6 +89,10 @@ class RecordForm : public Form {
     // Save: rights, required fields, then one transaction with the duplicate test, the
     // Insert or Update, the message and the reset. Returns true when the row was written.
     bool saveRecord(const SaveSteps& steps);
+
+    // The key of a list box's chosen row as its double click hands it on: through a 16-bit
+    // value. Nothing for an empty list; throws for no choice or a key beyond 16 bits.
+    static std::optional<qint16> chosenKey(const platform::ListBox* list);
 
     // The outermost guard of a handler that has no trap of its own (such as a list's double
     // click): an error ends the handler with its text and the critical icon.
