@@ -6,7 +6,7 @@
 #include "classification/frmDocSubCat.h"
 #include "classification/frmDocType.h"
 #include "classification/frmFile.h"
-#include "session/GenMod.h"
+#include "platform/Shell.h"
 #include "session/frmLogin.h"
 
 #include <QApplication>
@@ -21,13 +21,24 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgFile"), [] { frmFile::instance().Show(); });
 }
 
+bool Startup() {
+    try {
+        if (platform::PrevInstance())
+            return false;
+        frmLogin::instance().Show();
+    } catch (...) {
+        // the start-up routine swallows its own errors
+    }
+    return true;
+}
+
 int runVorlane(QApplication& app) {
     MDI::instance(); // makes the pictures available to every screen
     app.setApplicationName(QStringLiteral("Vorlane"));
     app.setWindowIcon(QIcon(QStringLiteral(":/images/AppIcon")));
     wireScreens();
     frmLogin::setOnLoggedIn([] { MDI::instance().Show(); });
-    if (!GenMod::Startup())
+    if (!Startup())
         return 0;
     return app.exec();
 }

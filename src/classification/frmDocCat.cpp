@@ -6,11 +6,14 @@
 #include "platform/MsgBox.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
+#include "session/ScreenBuilder.h"
 #include "session/Session.h"
 
 #include <QLabel>
 #include <QLineEdit>
 
+using classification::ListHeight;
+using classification::NameLength;
 using platform::TrimStr;
 
 frmDocCat& frmDocCat::instance() {
@@ -18,23 +21,13 @@ frmDocCat& frmDocCat::instance() {
     return *form;
 }
 
-QLabel* frmDocCat::lblDocCategory() const {
-    return control<QLabel>(QStringLiteral("lblDocCategory"));
-}
-QLineEdit* frmDocCat::txtDocCategory() const {
-    return control<QLineEdit>(QStringLiteral("txtDocCategory"));
-}
-platform::ListBox* frmDocCat::lstCategory() const {
-    return control<platform::ListBox>(QStringLiteral("lstCategory"));
-}
-
 QWidget* frmDocCat::build() {
-    classification::ScreenBuilder screen(QStringLiteral("frmDocCat"), QStringLiteral("Document Category"));
-    screen.addTextField(QStringLiteral("lblDocCategory"), QStringLiteral("Document Category :"),
-                        QStringLiteral("txtDocCategory"));
-    auto* list = screen.addList(QStringLiteral("lstCategory"));
-    screen.addButtons(createCmdButtons(screen.window(), classification::cmdCaptions()));
-    connect(list, &platform::ListBox::DblClick, this,
+    ScreenBuilder screen(QStringLiteral("frmDocCat"), QStringLiteral("Document Category"));
+    screen.addTextField(ui.lblDocCategory, QStringLiteral("Document Category :"), ui.txtDocCategory,
+                        NameLength);
+    screen.addListBelow(ui.lstCategory, ListHeight);
+    screen.addButtons(createCmdButtons(screen.window(), editCaptions()));
+    connect(ui.lstCategory, &platform::ListBox::DblClick, this,
             [this] { untrapped([this] { lstCategory_DblClick(); }); });
     return screen.finish();
 }
@@ -43,7 +36,7 @@ void frmDocCat::Form_Load() {
     prepareWindow();
     readAtLoad(true, [this] {
         FieldCaptions::Apply({
-            FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
+            FieldCaptions::label(ui.lblDocCategory, QStringLiteral("DocCat"),
                                  QStringLiteral("Document Category :")),
             FieldCaptions::formCaption(window(), QStringLiteral("DocCat"),
                                        QStringLiteral("Document Category")),
@@ -71,7 +64,7 @@ void frmDocCat::cmd_Click(int index) {
 }
 
 void frmDocCat::ResetCategoryForm() {
-    resetRecord(lstCategory(), [this] { ClearCategoryFields(); });
+    resetRecord(ui.lstCategory, [this] { ClearCategoryFields(); });
 }
 
 void frmDocCat::ClearCategoryFields() {
@@ -79,27 +72,27 @@ void frmDocCat::ClearCategoryFields() {
 }
 
 void frmDocCat::ShowCategoryList() {
-    showRecordList(lstCategory(), [this] {
+    showRecordList(ui.lstCategory, [this] {
         GenMod::FillList(QStringLiteral("CatID, DocCategory"),
-                         QStringLiteral("DocumentCategory order by DocCategory"), lstCategory());
+                         QStringLiteral("DocumentCategory order by DocCategory"), ui.lstCategory);
     });
 }
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocCat::lstCategory_DblClick() {
-    if (const auto key = chosenKey(lstCategory()))
+    if (const auto key = chosenKey(ui.lstCategory))
         LoadCategory(*key);
 }
 
 void frmDocCat::LoadCategory(qint16 key) {
     loadRecord(key, QStringLiteral("Select * from DocumentCategory where CatID=") + QString::number(key),
-               lstCategory(), [this](db::Recordset& rs) {
-                   txtDocCategory()->setText(TrimStr(rs.Fields(QStringLiteral("DocCategory"))));
+               ui.lstCategory, [this](db::Recordset& rs) {
+                   ui.txtDocCategory->setText(TrimStr(rs.Fields(QStringLiteral("DocCategory"))));
                });
 }
 
 void frmDocCat::SaveCategory() {
-    const QString name = TrimStr(txtDocCategory()->text());
+    const QString name = TrimStr(ui.txtDocCategory->text());
     SaveSteps steps;
     steps.required = {{[&] { return name.isEmpty(); }, QStringLiteral("Please specify Document Category.")}};
     steps.duplicateFields = QStringLiteral("DocCategory");

@@ -2,11 +2,8 @@
 
 #include "session/EditCycle.h"
 
-class QLabel;
-class QLineEdit;
-namespace platform {
-class ListBox;
-}
+#include <QLabel>
+#include <QLineEdit>
 
 // The document categories, the second level of the classification and the parents of the
 // sub-categories (table DocumentCategory).
@@ -30,7 +27,12 @@ class frmDocCat : public RecordForm {
 
   private:
     frmDocCat() = default;
-    QLabel* lblDocCategory() const;
-    QLineEdit* txtDocCategory() const;
-    platform::ListBox* lstCategory() const;
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, lblDocCategory);
+        UI_CONTROL(QLineEdit, txtDocCategory);
+        UI_CONTROL(platform::ListBox, lstCategory);
+    };
+    Controls ui;
 };

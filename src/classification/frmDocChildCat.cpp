@@ -6,11 +6,14 @@
 #include "platform/MsgBox.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
+#include "session/ScreenBuilder.h"
 #include "session/Session.h"
 
 #include <QLabel>
 #include <QLineEdit>
 
+using classification::ListHeight;
+using classification::NameLength;
 using platform::TrimStr;
 
 frmDocChildCat& frmDocChildCat::instance() {
@@ -18,42 +21,17 @@ frmDocChildCat& frmDocChildCat::instance() {
     return *form;
 }
 
-QLabel* frmDocChildCat::lblDocCategory() const {
-    return control<QLabel>(QStringLiteral("lblDocCategory"));
-}
-QLabel* frmDocChildCat::lblDocSubCategory() const {
-    return control<QLabel>(QStringLiteral("lblDocSubCategory"));
-}
-QLabel* frmDocChildCat::lblDocChildCategory() const {
-    return control<QLabel>(QStringLiteral("lblDocChildCategory"));
-}
-platform::ComboBox* frmDocChildCat::cboDocCategory() const {
-    return control<platform::ComboBox>(QStringLiteral("cboDocCategory"));
-}
-platform::ComboBox* frmDocChildCat::cboDocSubCategory() const {
-    return control<platform::ComboBox>(QStringLiteral("cboDocSubCategory"));
-}
-QLineEdit* frmDocChildCat::txtChildCat() const {
-    return control<QLineEdit>(QStringLiteral("txtChildCat"));
-}
-platform::ListBox* frmDocChildCat::lstChildCategory() const {
-    return control<platform::ListBox>(QStringLiteral("lstChildCategory"));
-}
-
 QWidget* frmDocChildCat::build() {
-    classification::ScreenBuilder screen(QStringLiteral("frmDocChildCat"),
-                                         QStringLiteral("Document Child Category"));
-    auto* category =
-        screen.addComboField(QStringLiteral("lblDocCategory"), QStringLiteral("Document Category :"),
-                             QStringLiteral("cboDocCategory"));
-    screen.addComboField(QStringLiteral("lblDocSubCategory"), QStringLiteral("Document Sub-Category :"),
-                         QStringLiteral("cboDocSubCategory"));
-    screen.addTextField(QStringLiteral("lblDocChildCategory"), QStringLiteral("Document Child Category :"),
-                        QStringLiteral("txtChildCat"));
-    auto* list = screen.addList(QStringLiteral("lstChildCategory"));
-    screen.addButtons(createCmdButtons(screen.window(), classification::cmdCaptions()));
-    connect(category, &platform::ComboBox::Click, this, [this] { cboDocCategory_Click(); });
-    connect(list, &platform::ListBox::DblClick, this,
+    ScreenBuilder screen(QStringLiteral("frmDocChildCat"), QStringLiteral("Document Child Category"));
+    screen.addComboField(ui.lblDocCategory, QStringLiteral("Document Category :"), ui.cboDocCategory);
+    screen.addComboField(ui.lblDocSubCategory, QStringLiteral("Document Sub-Category :"),
+                         ui.cboDocSubCategory);
+    screen.addTextField(ui.lblDocChildCategory, QStringLiteral("Document Child Category :"), ui.txtChildCat,
+                        NameLength);
+    screen.addListBelow(ui.lstChildCategory, ListHeight);
+    screen.addButtons(createCmdButtons(screen.window(), editCaptions()));
+    connect(ui.cboDocCategory, &platform::ComboBox::Click, this, [this] { cboDocCategory_Click(); });
+    connect(ui.lstChildCategory, &platform::ListBox::DblClick, this,
             [this] { untrapped([this] { lstChildCategory_DblClick(); }); });
     return screen.finish();
 }
@@ -63,13 +41,13 @@ void frmDocChildCat::Form_Load() {
     // No hourglass on this screen. The sub-categories wait for a choice of category.
     readAtLoad(false, [this] {
         GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
-                          QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
+                          QStringLiteral("DocumentCategory order by DocCategory"), ui.cboDocCategory);
         FieldCaptions::Apply({
-            FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
+            FieldCaptions::label(ui.lblDocCategory, QStringLiteral("DocCat"),
                                  QStringLiteral("Document Category :")),
-            FieldCaptions::label(lblDocSubCategory(), QStringLiteral("DocSubCat"),
+            FieldCaptions::label(ui.lblDocSubCategory, QStringLiteral("DocSubCat"),
                                  QStringLiteral("Document Sub-Category :")),
-            FieldCaptions::label(lblDocChildCategory(), QStringLiteral("DocChildCat"),
+            FieldCaptions::label(ui.lblDocChildCategory, QStringLiteral("DocChildCat"),
                                  QStringLiteral("Document Child Category :")),
             FieldCaptions::formCaption(window(), QStringLiteral("DocChildCat"),
                                        QStringLiteral("Document Child Category")),
@@ -99,7 +77,7 @@ void frmDocChildCat::cmd_Click(int index) {
 // Refills the sub-categories of the chosen category, with none chosen. Also runs nested
 // inside LoadChildCategory, while the load's recordset is open.
 void frmDocChildCat::cboDocCategory_Click() {
-    auto* category = cboDocCategory();
+    auto* category = ui.cboDocCategory.get();
     if (category->ListIndex() == -1)
         return;
     try {
@@ -109,7 +87,7 @@ void frmDocChildCat::cboDocCategory_Click() {
                           QStringLiteral("DocumentSubcategory where CatID=") +
                               QString::number(category->ItemData(category->ListIndex())) +
                               QStringLiteral(" order by SubCategory"),
-                          cboDocSubCategory());
+                          ui.cboDocSubCategory);
         GenMod::CloseConnection();
     } catch (const platform::Error& e) {
         platform::MsgBox(e.description(), platform::vbCritical);
@@ -117,49 +95,49 @@ void frmDocChildCat::cboDocCategory_Click() {
 }
 
 void frmDocChildCat::ResetChildCategoryForm() {
-    resetRecord(lstChildCategory(), [this] { ClearChildCategoryFields(); });
+    resetRecord(ui.lstChildCategory, [this] { ClearChildCategoryFields(); });
 }
 
 // Both parent boxes keep their items; only the choices go.
 void frmDocChildCat::ClearChildCategoryFields() {
     clearTextBoxesAndKey();
-    cboDocCategory()->setListIndex(-1);
-    cboDocSubCategory()->setListIndex(-1);
+    ui.cboDocCategory->setListIndex(-1);
+    ui.cboDocSubCategory->setListIndex(-1);
 }
 
 void frmDocChildCat::ShowChildCategoryList() {
-    showRecordList(lstChildCategory(), [this] {
+    showRecordList(ui.lstChildCategory, [this] {
         GenMod::FillList(QStringLiteral("ChildCatID, ChildCategory"),
-                         QStringLiteral("DocumentChildCategory order by ChildCategory"), lstChildCategory());
+                         QStringLiteral("DocumentChildCategory order by ChildCategory"), ui.lstChildCategory);
     });
 }
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocChildCat::lstChildCategory_DblClick() {
-    if (const auto key = chosenKey(lstChildCategory()))
+    if (const auto key = chosenKey(ui.lstChildCategory))
         LoadChildCategory(*key);
 }
 
 void frmDocChildCat::LoadChildCategory(qint16 key) {
     loadRecord(key,
                QStringLiteral("Select * from DocumentChildCategory where ChildCatID=") + QString::number(key),
-               lstChildCategory(), [this](db::Recordset& rs) {
+               ui.lstChildCategory, [this](db::Recordset& rs) {
                    // Choosing the category refills the sub-categories (twice: FindItemIndex picks
                    // the first category on its way), so the sub-category is looked up after it.
-                   auto* category = cboDocCategory();
+                   auto* category = ui.cboDocCategory.get();
                    category->setListIndex(
                        GenMod::FindItemIndex(platform::CStr(rs.Fields(QStringLiteral("CatID"))), category));
-                   auto* subCategory = cboDocSubCategory();
+                   auto* subCategory = ui.cboDocSubCategory.get();
                    subCategory->setListIndex(GenMod::FindItemIndex(
                        platform::CStr(rs.Fields(QStringLiteral("SubCatID"))), subCategory));
-                   txtChildCat()->setText(TrimStr(rs.Fields(QStringLiteral("childcategory"))));
+                   ui.txtChildCat->setText(TrimStr(rs.Fields(QStringLiteral("childcategory"))));
                });
 }
 
 void frmDocChildCat::SaveChildCategory() {
-    const QString name = TrimStr(txtChildCat()->text());
-    auto* category = cboDocCategory();
-    auto* subCategory = cboDocSubCategory();
+    const QString name = TrimStr(ui.txtChildCat->text());
+    auto* category = ui.cboDocCategory.get();
+    auto* subCategory = ui.cboDocSubCategory.get();
     // The parents are read only when the statement is built: after the duplicate test and NextID.
     const auto catKey = [category] { return QString::number(category->ItemData(category->ListIndex())); };
     const auto subCatKey = [subCategory] {

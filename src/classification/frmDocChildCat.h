@@ -2,12 +2,8 @@
 
 #include "session/EditCycle.h"
 
-class QLabel;
-class QLineEdit;
-namespace platform {
-class ComboBox;
-class ListBox;
-} // namespace platform
+#include <QLabel>
+#include <QLineEdit>
 
 // The child categories, the fourth level of the classification, each under one
 // sub-category and carrying its category too (table DocumentChildCategory).
@@ -32,11 +28,16 @@ class frmDocChildCat : public RecordForm {
 
   private:
     frmDocChildCat() = default;
-    QLabel* lblDocCategory() const;
-    QLabel* lblDocSubCategory() const;
-    QLabel* lblDocChildCategory() const;
-    platform::ComboBox* cboDocCategory() const;
-    platform::ComboBox* cboDocSubCategory() const;
-    QLineEdit* txtChildCat() const;
-    platform::ListBox* lstChildCategory() const;
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, lblDocCategory);
+        UI_CONTROL(platform::ComboBox, cboDocCategory);
+        UI_CONTROL(QLabel, lblDocSubCategory);
+        UI_CONTROL(platform::ComboBox, cboDocSubCategory);
+        UI_CONTROL(QLabel, lblDocChildCategory);
+        UI_CONTROL(QLineEdit, txtChildCat);
+        UI_CONTROL(platform::ListBox, lstChildCategory);
+    };
+    Controls ui;
 };

@@ -6,11 +6,14 @@
 #include "platform/MsgBox.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
+#include "session/ScreenBuilder.h"
 #include "session/Session.h"
 
 #include <QLabel>
 #include <QLineEdit>
 
+using classification::ListHeight;
+using classification::NameLength;
 using platform::TrimStr;
 
 frmDocSubCat& frmDocSubCat::instance() {
@@ -18,32 +21,14 @@ frmDocSubCat& frmDocSubCat::instance() {
     return *form;
 }
 
-QLabel* frmDocSubCat::lblDocCategory() const {
-    return control<QLabel>(QStringLiteral("lblDocCategory"));
-}
-QLabel* frmDocSubCat::lblDocSubCategory() const {
-    return control<QLabel>(QStringLiteral("lblDocSubCategory"));
-}
-platform::ComboBox* frmDocSubCat::cboDocCategory() const {
-    return control<platform::ComboBox>(QStringLiteral("cboDocCategory"));
-}
-QLineEdit* frmDocSubCat::txtDocSubCat() const {
-    return control<QLineEdit>(QStringLiteral("txtDocSubCat"));
-}
-platform::ListBox* frmDocSubCat::lstSubCategory() const {
-    return control<platform::ListBox>(QStringLiteral("lstSubCategory"));
-}
-
 QWidget* frmDocSubCat::build() {
-    classification::ScreenBuilder screen(QStringLiteral("frmDocSubCat"),
-                                         QStringLiteral("Document Sub-Category"));
-    screen.addComboField(QStringLiteral("lblDocCategory"), QStringLiteral("Document Category :"),
-                         QStringLiteral("cboDocCategory"));
-    screen.addTextField(QStringLiteral("lblDocSubCategory"), QStringLiteral("Document Sub-Category :"),
-                        QStringLiteral("txtDocSubCat"));
-    auto* list = screen.addList(QStringLiteral("lstSubCategory"));
-    screen.addButtons(createCmdButtons(screen.window(), classification::cmdCaptions()));
-    connect(list, &platform::ListBox::DblClick, this,
+    ScreenBuilder screen(QStringLiteral("frmDocSubCat"), QStringLiteral("Document Sub-Category"));
+    screen.addComboField(ui.lblDocCategory, QStringLiteral("Document Category :"), ui.cboDocCategory);
+    screen.addTextField(ui.lblDocSubCategory, QStringLiteral("Document Sub-Category :"), ui.txtDocSubCat,
+                        NameLength);
+    screen.addListBelow(ui.lstSubCategory, ListHeight);
+    screen.addButtons(createCmdButtons(screen.window(), editCaptions()));
+    connect(ui.lstSubCategory, &platform::ListBox::DblClick, this,
             [this] { untrapped([this] { lstSubCategory_DblClick(); }); });
     // The category box has no click handler on this screen.
     return screen.finish();
@@ -54,11 +39,11 @@ void frmDocSubCat::Form_Load() {
     // No hourglass on this screen.
     readAtLoad(false, [this] {
         GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
-                          QStringLiteral("DocumentCategory order by DocCategory"), cboDocCategory());
+                          QStringLiteral("DocumentCategory order by DocCategory"), ui.cboDocCategory);
         FieldCaptions::Apply({
-            FieldCaptions::label(lblDocCategory(), QStringLiteral("DocCat"),
+            FieldCaptions::label(ui.lblDocCategory, QStringLiteral("DocCat"),
                                  QStringLiteral("Document Category :")),
-            FieldCaptions::label(lblDocSubCategory(), QStringLiteral("DocSubCat"),
+            FieldCaptions::label(ui.lblDocSubCategory, QStringLiteral("DocSubCat"),
                                  QStringLiteral("Document Sub-Category :")),
             FieldCaptions::formCaption(window(), QStringLiteral("DocSubCat"),
                                        QStringLiteral("Document Sub-Category")),
@@ -86,42 +71,42 @@ void frmDocSubCat::cmd_Click(int index) {
 }
 
 void frmDocSubCat::ResetSubCategoryForm() {
-    resetRecord(lstSubCategory(), [this] { ClearSubCategoryFields(); });
+    resetRecord(ui.lstSubCategory, [this] { ClearSubCategoryFields(); });
 }
 
 // The category keeps its items; only the choice goes.
 void frmDocSubCat::ClearSubCategoryFields() {
     clearTextBoxesAndKey();
-    cboDocCategory()->setListIndex(-1);
+    ui.cboDocCategory->setListIndex(-1);
 }
 
 void frmDocSubCat::ShowSubCategoryList() {
-    showRecordList(lstSubCategory(), [this] {
+    showRecordList(ui.lstSubCategory, [this] {
         GenMod::FillList(QStringLiteral("SubCatID, SubCategory"),
-                         QStringLiteral("DocumentSubCategory order by SubCategory"), lstSubCategory());
+                         QStringLiteral("DocumentSubCategory order by SubCategory"), ui.lstSubCategory);
     });
 }
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocSubCat::lstSubCategory_DblClick() {
-    if (const auto key = chosenKey(lstSubCategory()))
+    if (const auto key = chosenKey(ui.lstSubCategory))
         LoadSubCategory(*key);
 }
 
 void frmDocSubCat::LoadSubCategory(qint16 key) {
     loadRecord(key,
                QStringLiteral("Select * from DocumentSubCategory where SubCatID=") + QString::number(key),
-               lstSubCategory(), [this](db::Recordset& rs) {
-                   auto* category = cboDocCategory();
+               ui.lstSubCategory, [this](db::Recordset& rs) {
+                   auto* category = ui.cboDocCategory.get();
                    category->setListIndex(
                        GenMod::FindItemIndex(platform::CStr(rs.Fields(QStringLiteral("CatID"))), category));
-                   txtDocSubCat()->setText(TrimStr(rs.Fields(QStringLiteral("SubCategory"))));
+                   ui.txtDocSubCat->setText(TrimStr(rs.Fields(QStringLiteral("SubCategory"))));
                });
 }
 
 void frmDocSubCat::SaveSubCategory() {
-    const QString name = TrimStr(txtDocSubCat()->text());
-    auto* category = cboDocCategory();
+    const QString name = TrimStr(ui.txtDocSubCat->text());
+    auto* category = ui.cboDocCategory.get();
     // The parent is read only when the statement is built: after the duplicate test and NextID.
     const auto catKey = [category] { return QString::number(category->ItemData(category->ListIndex())); };
 

@@ -2,12 +2,8 @@
 
 #include "session/EditCycle.h"
 
-class QLabel;
-class QLineEdit;
-namespace platform {
-class ComboBox;
-class ListBox;
-} // namespace platform
+#include <QLabel>
+#include <QLineEdit>
 
 // The sub-categories, the third level of the classification, each under one category
 // (table DocumentSubCategory).
@@ -31,9 +27,14 @@ class frmDocSubCat : public RecordForm {
 
   private:
     frmDocSubCat() = default;
-    QLabel* lblDocCategory() const;
-    QLabel* lblDocSubCategory() const;
-    platform::ComboBox* cboDocCategory() const;
-    QLineEdit* txtDocSubCat() const;
-    platform::ListBox* lstSubCategory() const;
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, lblDocCategory);
+        UI_CONTROL(platform::ComboBox, cboDocCategory);
+        UI_CONTROL(QLabel, lblDocSubCategory);
+        UI_CONTROL(QLineEdit, txtDocSubCat);
+        UI_CONTROL(platform::ListBox, lstSubCategory);
+    };
+    Controls ui;
 };

@@ -6,11 +6,14 @@
 #include "platform/MsgBox.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
+#include "session/ScreenBuilder.h"
 #include "session/Session.h"
 
 #include <QLabel>
 #include <QLineEdit>
 
+using classification::ListHeight;
+using classification::NameLength;
 using platform::TrimStr;
 
 frmDocType& frmDocType::instance() {
@@ -18,23 +21,13 @@ frmDocType& frmDocType::instance() {
     return *form;
 }
 
-QLabel* frmDocType::lblDocType() const {
-    return control<QLabel>(QStringLiteral("lblDocType"));
-}
-QLineEdit* frmDocType::txtDocType() const {
-    return control<QLineEdit>(QStringLiteral("txtDocType"));
-}
-platform::ListBox* frmDocType::lstType() const {
-    return control<platform::ListBox>(QStringLiteral("lstType"));
-}
-
 QWidget* frmDocType::build() {
-    classification::ScreenBuilder screen(QStringLiteral("frmDocType"), QStringLiteral("Document Type"));
-    screen.addTextField(QStringLiteral("lblDocType"), QStringLiteral("Document Type :"),
-                        QStringLiteral("txtDocType"));
-    auto* list = screen.addList(QStringLiteral("lstType"));
-    screen.addButtons(createCmdButtons(screen.window(), classification::cmdCaptions()));
-    connect(list, &platform::ListBox::DblClick, this, [this] { untrapped([this] { lstType_DblClick(); }); });
+    ScreenBuilder screen(QStringLiteral("frmDocType"), QStringLiteral("Document Type"));
+    screen.addTextField(ui.lblDocType, QStringLiteral("Document Type :"), ui.txtDocType, NameLength);
+    screen.addListBelow(ui.lstType, ListHeight);
+    screen.addButtons(createCmdButtons(screen.window(), editCaptions()));
+    connect(ui.lstType, &platform::ListBox::DblClick, this,
+            [this] { untrapped([this] { lstType_DblClick(); }); });
     return screen.finish();
 }
 
@@ -42,7 +35,7 @@ void frmDocType::Form_Load() {
     prepareWindow();
     readAtLoad(true, [this] {
         FieldCaptions::Apply({
-            FieldCaptions::label(lblDocType(), QStringLiteral("DocType"), QStringLiteral("Document Type :")),
+            FieldCaptions::label(ui.lblDocType, QStringLiteral("DocType"), QStringLiteral("Document Type :")),
             FieldCaptions::formCaption(window(), QStringLiteral("DocType"), QStringLiteral("Document Type")),
         });
     });
@@ -68,7 +61,7 @@ void frmDocType::cmd_Click(int index) {
 }
 
 void frmDocType::ResetTypeForm() {
-    resetRecord(lstType(), [this] { ClearTypeFields(); });
+    resetRecord(ui.lstType, [this] { ClearTypeFields(); });
 }
 
 void frmDocType::ClearTypeFields() {
@@ -76,26 +69,26 @@ void frmDocType::ClearTypeFields() {
 }
 
 void frmDocType::ShowTypeList() {
-    showRecordList(lstType(), [this] {
+    showRecordList(ui.lstType, [this] {
         GenMod::FillList(QStringLiteral("TypeID, DocType"), QStringLiteral("DocumentType order by DocType"),
-                         lstType());
+                         ui.lstType);
     });
 }
 
 // Not trapped here: a key beyond 16 bits, or no selection, ends at the outermost guard.
 void frmDocType::lstType_DblClick() {
-    if (const auto key = chosenKey(lstType()))
+    if (const auto key = chosenKey(ui.lstType))
         LoadType(*key);
 }
 
 void frmDocType::LoadType(qint16 key) {
     loadRecord(
-        key, QStringLiteral("Select * from DocumentType where TypeID=") + QString::number(key), lstType(),
-        [this](db::Recordset& rs) { txtDocType()->setText(TrimStr(rs.Fields(QStringLiteral("DocType")))); });
+        key, QStringLiteral("Select * from DocumentType where TypeID=") + QString::number(key), ui.lstType,
+        [this](db::Recordset& rs) { ui.txtDocType->setText(TrimStr(rs.Fields(QStringLiteral("DocType")))); });
 }
 
 void frmDocType::SaveType() {
-    const QString name = TrimStr(txtDocType()->text());
+    const QString name = TrimStr(ui.txtDocType->text());
     SaveSteps steps;
     steps.required = {{[&] { return name.isEmpty(); }, QStringLiteral("Please specify Document type.")}};
     steps.duplicateFields = QStringLiteral("DocType");

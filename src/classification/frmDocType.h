@@ -2,11 +2,8 @@
 
 #include "session/EditCycle.h"
 
-class QLabel;
-class QLineEdit;
-namespace platform {
-class ListBox;
-}
+#include <QLabel>
+#include <QLineEdit>
 
 // The document types, the first level of the classification (table DocumentType).
 class frmDocType : public RecordForm {
@@ -29,7 +26,12 @@ class frmDocType : public RecordForm {
 
   private:
     frmDocType() = default;
-    QLabel* lblDocType() const;
-    QLineEdit* txtDocType() const;
-    platform::ListBox* lstType() const;
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, lblDocType);
+        UI_CONTROL(QLineEdit, txtDocType);
+        UI_CONTROL(platform::ListBox, lstType);
+    };
+    Controls ui;
 };

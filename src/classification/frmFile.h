@@ -2,11 +2,8 @@
 
 #include "session/EditCycle.h"
 
-class QLabel;
-class QLineEdit;
-namespace platform {
-class ListView;
-}
+#include <QLabel>
+#include <QLineEdit>
 
 // The register of hard-copy files (table File): each paper file's number and particulars.
 class frmFile : public RecordForm {
@@ -31,8 +28,14 @@ class frmFile : public RecordForm {
 
   private:
     frmFile() = default;
-    void followList();
-    QLineEdit* txtFileNo() const;
-    QLineEdit* txtParticulars() const;
-    platform::ListView* lstFile() const;
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, lblEmail);
+        UI_CONTROL(QLineEdit, txtFileNo);
+        UI_CONTROL(QLabel, Label1);
+        UI_CONTROL(QLineEdit, txtParticulars);
+        UI_CONTROL(platform::ListView, lstFile);
+    };
+    Controls ui;
 };

@@ -21,7 +21,39 @@ constexpr int ItemDataRole = Qt::UserRole;
 Error invalidIndex() {
     return Error(381, QStringLiteral("Invalid property array index"));
 }
+
+// Where `text` goes among `count` items kept in order: after the items equal to it.
+template <class TextAt> int sortedPosition(const QString& text, int count, TextAt textAt) {
+    int low = 0, high = count;
+    while (low < high) {
+        const int mid = (low + high) / 2;
+        if (QString::compare(textAt(mid), text, Qt::CaseInsensitive) <= 0)
+            low = mid + 1;
+        else
+            high = mid;
+    }
+    return low;
+}
+
+bool isEnter(const QKeyEvent* event) {
+    return event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+}
 } // namespace
+
+// ---- CommandButton
+
+CommandButton::CommandButton(QWidget* parent) : QPushButton(parent) {
+    // Enter in a text box must not press a button behind the user's back.
+    setAutoDefault(false);
+}
+
+void CommandButton::keyPressEvent(QKeyEvent* event) {
+    if (isEnter(event) && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+        click();
+        return;
+    }
+    QPushButton::keyPressEvent(event);
+}
 
 // ---- ComboBox
 
@@ -40,10 +72,11 @@ void ComboBox::setListIndex(int index) {
 
 int ComboBox::AddItem(const QString& text) {
     const bool wasEmpty = count() == 0;
-    addItem(text);
+    const int at = m_sorted ? sortedPosition(text, count(), [this](int i) { return itemText(i); }) : count();
+    insertItem(at, text);
     if (wasEmpty) // a filled list has nothing chosen until someone chooses
         setCurrentIndex(-1);
-    m_newIndex = count() - 1;
+    m_newIndex = at;
     return m_newIndex;
 }
 
@@ -78,8 +111,10 @@ void ListBox::setListIndex(int index) {
 }
 
 int ListBox::AddItem(const QString& text) {
-    addItem(text);
-    m_newIndex = count() - 1;
+    const int at =
+        m_sorted ? sortedPosition(text, count(), [this](int i) { return item(i)->text(); }) : count();
+    insertItem(at, text);
+    m_newIndex = at;
     return m_newIndex;
 }
 
@@ -101,7 +136,7 @@ void ListBox::Clear() {
 }
 
 void ListBox::keyPressEvent(QKeyEvent* event) {
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentItem()) {
+    if (isEnter(event) && currentItem()) {
         emit DblClick();
         return;
     }
@@ -156,7 +191,7 @@ QString ListView::itemText(int index, int column) const {
 }
 
 void ListView::keyPressEvent(QKeyEvent* event) {
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentItem()) {
+    if (isEnter(event) && currentItem()) {
         emit DblClick();
         return;
     }

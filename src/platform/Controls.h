@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QDate>
 #include <QListWidget>
+#include <QPushButton>
 #include <QTreeWidget>
 #include <QVariant>
 
@@ -11,6 +12,16 @@ class QDateEdit;
 class QLabel;
 
 namespace platform {
+
+// A command button. Enter on the focused button presses it, as Space does, on every screen.
+class CommandButton : public QPushButton {
+    Q_OBJECT
+  public:
+    explicit CommandButton(QWidget* parent = nullptr);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+};
 
 // A drop-down list whose items carry a number (ItemData). Setting ListIndex from code raises
 // Click at once, as a user's choice does, so that handlers nest as the screens expect.
@@ -21,7 +32,11 @@ class ComboBox : public QComboBox {
     int ListIndex() const { return currentIndex(); }
     void setListIndex(int index);
     int ListCount() const { return count(); }
+    // A sorted list keeps its items in alphabetical order, without regard to case.
+    bool Sorted() const { return m_sorted; }
+    void setSorted(bool sorted) { m_sorted = sorted; }
     int AddItem(const QString& text); // returns NewIndex
+    // The position at which the last AddItem put its item.
     int NewIndex() const { return m_newIndex; }
     qint32 ItemData(int index) const; // throws platform::Error for an index out of range
     void setItemData(int index, qint32 value);
@@ -32,6 +47,7 @@ class ComboBox : public QComboBox {
 
   private:
     int m_newIndex = -1;
+    bool m_sorted = false;
 };
 
 // A list box whose items carry a number (ItemData), with Click on selection from code
@@ -43,7 +59,11 @@ class ListBox : public QListWidget {
     int ListIndex() const { return currentRow(); }
     void setListIndex(int index);
     int ListCount() const { return count(); }
-    int AddItem(const QString& text);
+    // A sorted list keeps its items in alphabetical order, without regard to case.
+    bool Sorted() const { return m_sorted; }
+    void setSorted(bool sorted) { m_sorted = sorted; }
+    int AddItem(const QString& text); // returns NewIndex
+    // The position at which the last AddItem put its item.
     int NewIndex() const { return m_newIndex; }
     qint32 ItemData(int index) const; // throws platform::Error for an index out of range
     void setItemData(int index, qint32 value);
@@ -57,6 +77,7 @@ class ListBox : public QListWidget {
 
   private:
     int m_newIndex = -1;
+    bool m_sorted = false;
 };
 
 // A list view in report form: columns with headers, the first of which may be of zero width

@@ -11,24 +11,23 @@
 #include <QMdiSubWindow>
 #include <QPalette>
 #include <QPushButton>
+#include <QShortcut>
 
 using platform::MsgBox;
-
-QPushButton* RecordForm::cmd(int index) const {
-    return control<QPushButton>(QStringLiteral("cmd(%1)").arg(index));
-}
 
 QList<QPushButton*> RecordForm::createCmdButtons(QWidget* parent, const QStringList& captions) {
     QList<QPushButton*> buttons;
     for (int i = 0; i < captions.size(); ++i) {
-        auto* button = new QPushButton(captions[i], parent);
-        button->setObjectName(QStringLiteral("cmd(%1)").arg(i));
-        // Enter in a text box must not press a button behind the user's back.
-        button->setAutoDefault(false);
+        auto* button = cmd.make(parent, i);
+        button->setText(captions[i]);
         connect(button, &QPushButton::clicked, this, [this, i] { cmd_Click(i); });
         buttons << button;
     }
     return buttons;
+}
+
+QStringList RecordForm::editCaptions() {
+    return {QStringLiteral("Reset"), QStringLiteral("Edit"), QStringLiteral("Save"), QStringLiteral("Close")};
 }
 
 void RecordForm::prepareWindow() {
@@ -38,6 +37,10 @@ void RecordForm::prepareWindow() {
     w->setBackgroundRole(QPalette::Button);
     w->setAutoFillBackground(true);
     GenMod::CenterForm(w);
+    // Escape closes the screen, as its Close button does.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), w);
+    escape->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(escape, &QShortcut::activated, this, [this] { Unload(); });
 }
 
 void RecordForm::readAtLoad(bool hourglass, const std::function<void()>& read) {

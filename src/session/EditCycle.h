@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Controls.h"
+#include "platform/Ui.h"
 #include "session/Form.h"
 
 #include <QList>
@@ -7,7 +9,6 @@
 #include <functional>
 #include <optional>
 
-class QPushButton;
 namespace db {
 class Recordset;
 }
@@ -28,8 +29,8 @@ class RecordForm : public Form {
     // Key of the loaded row, or of the row a new Save writes; 0 after a reset.
     qint32 CurrentRowID = 0;
 
-    // The buttons cmd(0), cmd(1), ... of the loaded window; nullptr while unloaded.
-    QPushButton* cmd(int index) const;
+    // The action buttons cmd(0), cmd(1), ... of the loaded window; nullptr while unloaded.
+    UI_CONTROL_ARRAY(platform::CommandButton, cmd);
     // The screen's action buttons dispatch here with their index.
     virtual void cmd_Click(int index) = 0;
 
@@ -61,10 +62,12 @@ class RecordForm : public Form {
   protected:
     RecordForm() : Form(true) {}
 
-    // Creates the action buttons "cmd(0)".."cmd(n)" with these captions, wired to cmd_Click.
+    // Creates the action buttons cmd(0)..cmd(n) with these captions, wired to cmd_Click.
     QList<QPushButton*> createCmdButtons(QWidget* parent, const QStringList& captions);
+    // The captions of cmd(0)..cmd(3) on the record screens.
+    static QStringList editCaptions();
     // The first steps of each record screen's Form_Load: the main window's icon, the
-    // button-face background, centred in the main window.
+    // button-face background, centred in the main window; Escape closes the screen.
     void prepareWindow();
     // Lets the window grow to fit captions that changed after it was built.
     void fitWindow();

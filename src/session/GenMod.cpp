@@ -2,12 +2,10 @@
 
 #include "Form.h"
 #include "Session.h"
-#include "frmLogin.h"
 #include "platform/Controls.h"
 #include "platform/Conversions.h"
 #include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
-#include "platform/Shell.h"
 
 #include <QMdiArea>
 #include <array>
@@ -70,17 +68,6 @@ void fill(const QString& fields, const QString& source, Target* target, Transfor
 }
 
 } // namespace
-
-bool Startup() {
-    try {
-        if (platform::PrevInstance())
-            return false;
-        frmLogin::instance().Show();
-    } catch (...) {
-        // the start-up routine swallows its own errors
-    }
-    return true;
-}
 
 bool OpenConnection() {
     platform::setMousePointer(platform::vbHourglass);

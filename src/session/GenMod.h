@@ -18,10 +18,6 @@ namespace GenMod {
 // The process-wide connection, alive only during one operation.
 inline db::ConnectionPtr Conn;
 
-// The start-up routine: shows the login screen. Returns false, having shown nothing, when
-// another instance of the program runs: the program then ends at once.
-bool Startup();
-
 // Makes a new connection in Conn to the data source "Vorlane". On failure shows the
 // message and returns false.
 bool OpenConnection();

@@ -13,7 +13,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QProxyStyle>
-#include <QPushButton>
 
 namespace {
 
@@ -85,33 +84,30 @@ QWidget* frmLogin::build() {
     w->setWindowTitle(QStringLiteral("Vorlane Login"));
     w->setFixedSize(420, 230);
 
-    auto* title = new QLabel(QStringLiteral("Vorlane"), w);
-    title->setObjectName(QStringLiteral("Label1"));
+    auto* title = ui.Label1.make(w);
+    title->setText(QStringLiteral("Vorlane"));
     QFont big = title->font();
     big.setPointSize(22);
     big.setBold(true);
     title->setFont(big);
-    auto* label2 = new QLabel(QStringLiteral("Username :"), w);
-    label2->setObjectName(QStringLiteral("Label2"));
-    auto* label3 = new QLabel(QStringLiteral("Password :"), w);
-    label3->setObjectName(QStringLiteral("Label3"));
-    auto* user = new QLineEdit(w);
-    user->setObjectName(QStringLiteral("txtUserName"));
+    auto* label2 = ui.Label2.make(w);
+    label2->setText(QStringLiteral("Username :"));
+    auto* label3 = ui.Label3.make(w);
+    label3->setText(QStringLiteral("Password :"));
+    auto* user = ui.txtUserName.make(w);
     user->setMaxLength(50);
-    auto* password = new QLineEdit(w);
-    password->setObjectName(QStringLiteral("txtPassword"));
+    auto* password = ui.txtPassword.make(w);
     password->setMaxLength(50);
     password->setEchoMode(QLineEdit::Password);
     auto* maskStyle = new DollarMaskStyle;
     maskStyle->setParent(password);
     password->setStyle(maskStyle);
-    auto* login = new QPushButton(QStringLiteral("Login"), w);
-    login->setObjectName(QStringLiteral("cmdLogin"));
+    // Enter in a box presses Login; Enter on a focused button presses that button.
+    auto* login = ui.cmdLogin.make(w);
+    login->setText(QStringLiteral("Login"));
     login->setDefault(true);
-    login->setAutoDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"), w);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    cancel->setAutoDefault(false);
+    auto* cancel = ui.cmdCancel.make(w);
+    cancel->setText(QStringLiteral("Cancel"));
     platform::setBuddy(label2, user);
     platform::setBuddy(label3, password);
 
@@ -141,8 +137,8 @@ QWidget* frmLogin::build() {
 }
 
 void frmLogin::cmdLogin_Click() {
-    const QString userName = control<QLineEdit>(QStringLiteral("txtUserName"))->text().trimmed();
-    const QString password = control<QLineEdit>(QStringLiteral("txtPassword"))->text().trimmed();
+    const QString userName = ui.txtUserName->text().trimmed();
+    const QString password = ui.txtPassword->text().trimmed();
     if (userName.isEmpty()) {
         platform::MsgBox(QStringLiteral("Please specify Username."), platform::vbExclamation);
         return;

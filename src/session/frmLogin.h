@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/Controls.h"
+#include "platform/Ui.h"
 #include "session/Form.h"
 
+#include <QLabel>
+#include <QLineEdit>
 #include <functional>
-
-class QLineEdit;
 
 // The login screen "Vorlane Login".
 class frmLogin : public Form {
@@ -24,4 +26,16 @@ class frmLogin : public Form {
 
   private:
     frmLogin() : Form(false) {}
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, Label1);
+        UI_CONTROL(QLabel, Label2);
+        UI_CONTROL(QLabel, Label3);
+        UI_CONTROL(QLineEdit, txtUserName);
+        UI_CONTROL(QLineEdit, txtPassword);
+        UI_CONTROL(platform::CommandButton, cmdLogin);
+        UI_CONTROL(platform::CommandButton, cmdCancel);
+    };
+    Controls ui;
 };

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "platform/Ui.h"
+
+#include <QList>
+#include <QString>
+
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QWidget;
+namespace platform {
+class ComboBox;
+class ListBox;
+} // namespace platform
+
+// Lays out a record screen: caption-and-field rows in a panel of fields, the list of rows
+// that Edit shows (below the fields, or lying over them), and the row of action buttons
+// (below everything, or in a column at the right). Every label is the buddy of its field.
+// The tab order follows the order in which the controls are added.
+class ScreenBuilder {
+  public:
+    enum class Buttons { Below, Right };
+
+    ScreenBuilder(const QString& objectName, const QString& designCaption, Buttons buttons = Buttons::Below);
+
+    QWidget* window() const { return m_window; }
+    // The panel that holds the fields.
+    QWidget* fields() const { return m_panel; }
+
+    // A caption and its field on one row. The field is created by its typed control.
+    template <class T>
+    T* addField(ui::Control<QLabel>& label, const QString& caption, ui::Control<T>& field) {
+        T* made = field.make(m_panel);
+        addRow(label, caption, made);
+        return made;
+    }
+    // A drop-down list of parents with its label.
+    platform::ComboBox* addComboField(ui::Control<QLabel>& label, const QString& caption,
+                                      ui::Control<platform::ComboBox>& combo);
+    // A one-line text box of at most `maxLength` characters with its label.
+    QLineEdit* addTextField(ui::Control<QLabel>& label, const QString& caption, ui::Control<QLineEdit>& text,
+                            int maxLength);
+
+    // The list of rows in the field column below the fields, hidden until Edit; it keeps its
+    // room while hidden, so the buttons do not jump when it shows.
+    platform::ListBox* addListBelow(ui::Control<platform::ListBox>& list, int height);
+    // The list of rows lying over all the fields, hidden until Edit. While it shows, the
+    // fields are out of the keyboard's way: the focus goes to the list, and back to the
+    // first field when the list goes.
+    template <class T> T* addListOver(ui::Control<T>& list, int minimumHeight) {
+        T* made = list.make(m_window);
+        coverFields(made, minimumHeight);
+        return made;
+    }
+
+    void addButtons(const QList<QPushButton*>& buttons);
+
+    // Sets the tab order and the first focus; returns the window.
+    QWidget* finish();
+
+  private:
+    void addRow(ui::Control<QLabel>& label, const QString& caption, QWidget* field);
+    void coverFields(QWidget* list, int minimumHeight);
+    void retainSizeWhenHidden(QWidget* list);
+
+    Buttons m_buttons;
+    QWidget* m_window;
+    QGridLayout* m_outer;
+    QGridLayout* m_area;
+    QWidget* m_panel;
+    QGridLayout* m_grid;
+    int m_row = 0;
+    QList<QWidget*> m_tabOrder;
+};
