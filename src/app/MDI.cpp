@@ -8,16 +8,19 @@
 #include "platform/Shell.h"
 #include "session/Session.h"
 
+#include <QAccessibleWidget>
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QHash>
 #include <QKeyEvent>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPainter>
+#include <QShortcut>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <QVBoxLayout>
@@ -95,6 +98,28 @@ class Frame : public QMdiArea {
     }
 };
 
+// A toolbar entry as assistive technology sees it: a button named by the name shown in its
+// picture, which its Press action clicks.
+class ImageControlAccessible : public QAccessibleWidget {
+  public:
+    explicit ImageControlAccessible(QWidget* w) : QAccessibleWidget(w, QAccessible::Button) {}
+    QStringList actionNames() const override {
+        return QStringList{pressAction()} + QAccessibleWidget::actionNames();
+    }
+    void doAction(const QString& action) override {
+        if (action == pressAction())
+            static_cast<ImageControl*>(widget())->press();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+};
+
+QAccessibleInterface* imageControlAccessible(const QString& className, QObject* object) {
+    if (className == QLatin1String("ImageControl") && object && object->isWidgetType())
+        return new ImageControlAccessible(static_cast<QWidget*>(object));
+    return nullptr;
+}
+
 } // namespace
 
 // ---- ImageControl
@@ -129,9 +154,10 @@ void ImageControl::keyPressEvent(QKeyEvent* event) {
 
 void ImageControl::focusInEvent(QFocusEvent* event) {
     QLabel::focusInEvent(event);
-    // A keyboard user sees the entry reached by Tab lit, as under the mouse; the focus that the
-    // window gives its first entry on opening lights nothing.
-    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+    // A keyboard user sees the entry reached by Tab or F6 lit, as under the mouse; the focus
+    // that the window gives its first entry on opening lights nothing.
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
+        event->reason() == Qt::ShortcutFocusReason)
         emit MouseMove();
 }
 
@@ -155,6 +181,7 @@ static void initImages() {
 MDI& MDI::instance() {
     static auto* form = [] {
         initImages(); // the pictures live in this library's resources
+        QAccessible::installFactory(imageControlAccessible);
         return new MDI;
     }();
     return *form;
@@ -220,7 +247,10 @@ QWidget* MDI::build() {
         img->setToolTip(str(e.shownName));
         column->addWidget(img);
         connect(img, &ImageControl::MouseMove, this, [this, name] { entryMouseMove(name); });
-        connect(img, &ImageControl::Click, this, [this, name] { entryClick(name); });
+        connect(img, &ImageControl::Click, this, [this, img, name] {
+            m_lastEntry = img;
+            entryClick(name);
+        });
         if (previous)
             QWidget::setTabOrder(previous, img);
         previous = img;
@@ -252,8 +282,49 @@ QWidget* MDI::build() {
     auto* contents = help->addAction(QStringLiteral("Contents"));
     contents->setObjectName(QStringLiteral("mnuHelpContents"));
 
+    for (const QKeySequence& key : {QKeySequence(Qt::Key_F6), QKeySequence(Qt::SHIFT | Qt::Key_F6)}) {
+        auto* pane = new QShortcut(key, w);
+        connect(pane, &QShortcut::activated, this, [this] { switchPane(); });
+    }
+
     Form::setMdiArea(frame);
     return w;
+}
+
+void MDI::switchPane() {
+    QWidget* strip = control<QWidget>(QStringLiteral("PB"));
+    QWidget* focus = QApplication::focusWidget();
+    const bool inToolbar = focus && strip && strip->isAncestorOf(focus);
+    if (inToolbar) {
+        if (auto* entry = qobject_cast<ImageControl*>(focus))
+            m_lastEntry = entry;
+        QMdiSubWindow* screen = area()->activeSubWindow();
+        if (!screen && !area()->subWindowList().isEmpty())
+            screen = area()->subWindowList().last();
+        if (!screen)
+            return;
+        area()->setActiveSubWindow(screen);
+        QWidget* inner = screen->widget();
+        QWidget* target = inner->focusWidget();
+        if (!target) {
+            // The first control that Tab would reach.
+            for (QWidget* w = inner->nextInFocusChain(); w && w != inner; w = w->nextInFocusChain())
+                if (inner->isAncestorOf(w) && (w->focusPolicy() & Qt::TabFocus) && w->isVisibleTo(inner) &&
+                    w->isEnabled()) {
+                    target = w;
+                    break;
+                }
+        }
+        if (target)
+            target->setFocus(Qt::ShortcutFocusReason);
+        return;
+    }
+    // Back to the entry last used, or the first one.
+    ImageControl* entry = m_lastEntry;
+    if (!entry)
+        entry = control<ImageControl>(str(toolbarEntries.front().objectName));
+    if (entry)
+        entry->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MDI::Form_Load() {

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QPixmap>
+#include <QPointer>
 #include <functional>
 
 class QMdiArea;
@@ -14,6 +15,8 @@ class ImageControl : public QLabel {
     Q_OBJECT
   public:
     explicit ImageControl(QWidget* parent = nullptr);
+    // Presses the entry as a click does; assistive technology presses it through this.
+    void press() { emit Click(); }
   signals:
     void MouseMove();
     void Click();
@@ -51,6 +54,8 @@ class MDI : public Form {
     static void setOnEnd(std::function<void()> action);
 
     QMdiArea* area() const;
+    // F6 and Shift+F6: the focus goes from the toolbar to the screen in front, and back.
+    void switchPane();
 
   protected:
     QWidget* build() override;
@@ -62,4 +67,5 @@ class MDI : public Form {
     void ImgAbout_Click();
     void ImgHelp_Click();
     QPixmap pictureOf(const QString& entry, bool hover, bool* ok) const;
+    QPointer<ImageControl> m_lastEntry;
 };

@@ -6,9 +6,13 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QProcess>
 #include <QStandardPaths>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 namespace platform {
 
@@ -55,18 +59,28 @@ qint64 Shell(const QString& commandLine, int windowStyle) {
 }
 
 bool PrevInstance() {
-    static QLockFile* lock = nullptr;
-    if (lock)
+    // One lock per user, in the user's own runtime folder (or a name carrying the numeric user
+    // id), held through an open file: the system lets go of it when the process ends in any
+    // way, so a crashed run never stops the next start.
+    static int lockFile = -1;
+    if (lockFile >= 0)
         return false;
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
-    auto* candidate = new QLockFile(
-        QDir(folder).filePath(QStringLiteral("Vorlane-%1.lock").arg(qEnvironmentVariable("USER"))));
-    candidate->setStaleLockTime(0);
-    if (!candidate->tryLock(0)) {
-        delete candidate;
-        return true;
+    QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString name = QStringLiteral("Vorlane.lock");
+    if (folder.isEmpty() || !QFileInfo(folder).isDir()) {
+        folder = QDir::tempPath();
+        name = QStringLiteral("Vorlane-%1.lock").arg(::getuid());
     }
-    lock = candidate; // held until the process ends
+    const QByteArray path = QFile::encodeName(QDir(folder).filePath(name));
+    const int fd = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (fd < 0)
+        return false; // no place for the lock: the program starts rather than stay away
+    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        const bool held = errno == EWOULDBLOCK;
+        ::close(fd);
+        return held;
+    }
+    lockFile = fd; // held until the process ends
     return false;
 }
 

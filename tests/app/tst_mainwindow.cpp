@@ -2,8 +2,10 @@
 #include "app/frmAbout.h"
 #include "support/TestSupport.h"
 
+#include <QAccessible>
 #include <QDir>
 #include <QImage>
+#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
@@ -22,6 +24,7 @@ class frmDummy : public Form {
     QWidget* build() override {
         auto* w = new QWidget;
         w->setObjectName(QStringLiteral("frmDummy"));
+        (new QLineEdit(w))->setObjectName(QStringLiteral("txtDummy"));
         return w;
     }
     void Form_Load() override { ++loads; }
@@ -142,6 +145,45 @@ class TestMainWindow : public QObject {
         click("ImgLogin");
         QCOMPARE(m_dummy.loads, 2);
         m_dummy.Unload();
+    }
+
+    // Each toolbar entry is a button to assistive technology, named as its picture shows, and
+    // its Press action opens the screen; F6 takes the keyboard from the toolbar to the screen
+    // in front and back.
+    void assistiveTechnologyAndTheKeyboardReachTheScreens() {
+        testsupport::setSession(1, QStringLiteral("Modify"));
+        for (auto* e : MDI::instance().window()->findChildren<ImageControl*>()) {
+            QAccessibleInterface* iface = QAccessible::queryAccessibleInterface(e);
+            QVERIFY(iface);
+            QCOMPARE(iface->role(), QAccessible::Button);
+            QCOMPARE(iface->text(QAccessible::Name), e->accessibleName());
+            QVERIFY(iface->actionInterface());
+            QVERIFY(
+                iface->actionInterface()->actionNames().contains(QAccessibleActionInterface::pressAction()));
+        }
+        QCOMPARE(QAccessible::queryAccessibleInterface(entry("ImgLogin"))->text(QAccessible::Name),
+                 QStringLiteral("User Accounts"));
+        const int loads = m_dummy.loads;
+        QAccessible::queryAccessibleInterface(entry("ImgLogin"))
+            ->actionInterface()
+            ->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(m_dummy.loads, loads + 1);
+        QVERIFY(m_dummy.isLoaded());
+
+        QWidget* main = MDI::instance().window();
+        entry("ImgLogin")->setFocus();
+        QTest::keyClick(main, Qt::Key_F6);
+        QCOMPARE(QApplication::focusWidget(), m_dummy.control<QWidget>("txtDummy"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, Qt::ShiftModifier);
+        QCOMPARE(QApplication::focusWidget(), entry("ImgLogin"));
+        QVERIFY(shows("ImgLogin", MDI::ImgList("Login2"))); // lit, as Tab lights it
+        m_dummy.Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        // With no screen open, F6 leaves the focus where it is.
+        QTest::keyClick(main, Qt::Key_F6);
+        QCOMPARE(QApplication::focusWidget(), entry("ImgLogin"));
+        MDI::instance().ResetToolbar();
+        messages();
     }
 
     void aboutClosesOnAClickOfThePictureOrTheX() {

@@ -6,6 +6,7 @@
 #include "classification/frmDocType.h"
 #include "platform/Controls.h"
 #include "session/GenMod.h"
+#include "support/ScreenDriver.h"
 #include "support/TestSupport.h"
 
 #include <QLabel>
@@ -15,85 +16,13 @@
 #include <atomic>
 #include <thread>
 
-using testsupport::messages;
+using namespace testsupport;
 
 namespace {
 
 const QString NotFound =
     QStringLiteral("48:Database not found !\nPlease check your ODBC Datasource Configuration.");
 const QString Saved = QStringLiteral("64:Saved Successfully.");
-
-template <class T> T* ctl(const Form& form, const char* name) {
-    T* c = form.control<T>(QString::fromLatin1(name));
-    if (!c)
-        qFatal("no control %s", name);
-    return c;
-}
-
-void press(const RecordForm& form, int index) {
-    ctl<QPushButton>(form, QStringLiteral("cmd(%1)").arg(index).toLatin1().constData())->click();
-}
-
-void type(const Form& form, const char* box, const QString& text) {
-    auto* edit = ctl<QLineEdit>(form, box);
-    edit->clear();
-    QTest::keyClicks(edit, text);
-}
-
-QString text(const Form& form, const char* box) {
-    return ctl<QLineEdit>(form, box)->text();
-}
-
-// Picks an item of a drop-down list by its text, as a user's choice (it raises Click).
-void pick(const Form& form, const char* combo, const QString& item) {
-    auto* box = ctl<platform::ComboBox>(form, combo);
-    const int index = box->findText(item);
-    if (index < 0)
-        qFatal("no item %s in %s", qPrintable(item), combo);
-    box->setListIndex(index);
-}
-
-QStringList items(const Form& form, const char* combo) {
-    QStringList out;
-    auto* box = ctl<platform::ComboBox>(form, combo);
-    for (int i = 0; i < box->count(); ++i)
-        out << box->itemText(i);
-    return out;
-}
-
-// Selects the list's row with that text and presses Enter on it, which counts as a double click.
-void dblClick(const Form& form, const char* list, const QString& item) {
-    auto* box = ctl<platform::ListBox>(form, list);
-    const auto found = box->findItems(item, Qt::MatchExactly);
-    if (found.isEmpty())
-        qFatal("no row %s in %s", qPrintable(item), list);
-    box->setCurrentItem(found.first());
-    QTest::keyClick(box, Qt::Key_Return);
-}
-
-QStringList listRows(const Form& form, const char* list) {
-    QStringList out;
-    auto* box = ctl<platform::ListBox>(form, list);
-    for (int i = 0; i < box->count(); ++i)
-        out << box->item(i)->text();
-    return out;
-}
-
-// The widgets that Tab visits, from the first one that takes the focus.
-QStringList tabOrder(QWidget* window) {
-    QStringList order;
-    QWidget* w = window;
-    do {
-        w = w->nextInFocusChain();
-        if (w != window && (w->focusPolicy() & Qt::TabFocus) && window->isAncestorOf(w))
-            order << w->objectName();
-    } while (w != window);
-    return order;
-}
-
-bool listShown(const Form& form, const char* list) {
-    return !ctl<QWidget>(form, list)->isHidden();
-}
 
 // What differs between the two flat screens, for the cases that hold for both.
 struct FlatScreen {
@@ -221,7 +150,7 @@ class TestClassification : public QObject {
                 QCOMPARE(l->buddy()->accessibleName(), caption);
             }
             QCOMPARE(ctl<QLineEdit>(*e.form, e.text)->maxLength(), 25);
-            QVERIFY(!listShown(*e.form, e.list));
+            QVERIFY(!isShown(*e.form, e.list));
             QCOMPARE(ctl<QWidget>(*e.form, e.list)->toolTip(),
                      QStringLiteral("Double click a record to edit"));
             const QStringList captions = {"Reset", "Edit", "Save", "Close"};
@@ -333,7 +262,7 @@ class TestClassification : public QObject {
         f.Show();
 
         press(f, 1);
-        QVERIFY(listShown(f, screen.list));
+        QVERIFY(isShown(f, screen.list));
         QCOMPARE(listRows(f, screen.list), QStringList({"Letters", "Memos"}));
         press(f, 1); // a second Edit fills afresh, without doubling
         QCOMPARE(listRows(f, screen.list), QStringList({"Letters", "Memos"}));
@@ -342,7 +271,7 @@ class TestClassification : public QObject {
         QVERIFY(f.EditMode);
         QCOMPARE(f.CurrentRowID, 7);
         QCOMPARE(text(f, screen.text), QStringLiteral("Letters"));
-        QVERIFY(!listShown(f, screen.list));
+        QVERIFY(!isShown(f, screen.list));
 
         // Saved under its own name: the row itself is left out of the duplicate test.
         press(f, 2);
@@ -367,14 +296,14 @@ class TestClassification : public QObject {
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(name(screen.table, screen.nameColumn, screen.keyColumn, 7), QStringLiteral("Letters out"));
         QCOMPARE(env->count(screen.table), 2);
-        QVERIFY(!listShown(f, screen.list));
+        QVERIFY(!isShown(f, screen.list));
 
         // Reset while the list is shown hides it and drops the loaded row.
         press(f, 1);
         dblClick(f, screen.list, "Memos");
         press(f, 1);
         press(f, 0);
-        QVERIFY(!listShown(f, screen.list));
+        QVERIFY(!isShown(f, screen.list));
         QVERIFY(!f.EditMode);
         QCOMPARE(f.CurrentRowID, 0);
         QCOMPARE(text(f, screen.text), QString());
@@ -445,7 +374,7 @@ class TestClassification : public QObject {
         f.Show();
         // An empty list: nothing happens.
         press(f, 1);
-        QVERIFY(listShown(f, "lstType"));
+        QVERIFY(isShown(f, "lstType"));
         emit ctl<platform::ListBox>(f, "lstType")->DblClick();
         QVERIFY(!f.EditMode);
         QCOMPARE(messages(), QStringList());
@@ -457,7 +386,7 @@ class TestClassification : public QObject {
         dblClick(f, "lstType", "Big");
         QCOMPARE(messages(), QStringList({"16:Overflow"}));
         QVERIFY(!f.EditMode);
-        QVERIFY(listShown(f, "lstType"));
+        QVERIFY(isShown(f, "lstType"));
 
         // A double click with no row selected.
         auto* list = ctl<platform::ListBox>(f, "lstType");
@@ -488,13 +417,27 @@ class TestClassification : public QObject {
         // Opened again: empty as designed, but a Save updates the row last loaded.
         f.Show();
         QCOMPARE(text(f, "txtDocType"), QString());
-        QVERIFY(!listShown(f, "lstType"));
+        QVERIFY(!isShown(f, "lstType"));
         QVERIFY(f.EditMode);
         type(f, "txtDocType", "Post");
         press(f, 2);
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(env->count("DocumentType"), 1);
         QCOMPARE(name("DocumentType", "DocType", "TypeID", 3), QStringLiteral("Post"));
+    }
+
+    // Without a mouse: Enter on the focused Save button saves, Escape closes the screen.
+    void theKeyboardAloneSavesAndCloses() {
+        frmDocType& f = frmDocType::instance();
+        f.Show();
+        QVERIFY(QTest::qWaitForWindowActive(f.window()));
+        type(f, "txtDocType", "Letters");
+        f.cmd(2)->setFocus();
+        QTest::keyClick(f.cmd(2), Qt::Key_Return);
+        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(env->count("DocumentType"), 1);
+        QTest::keyClick(ctl<QLineEdit>(f, "txtDocType"), Qt::Key_Escape);
+        QVERIFY(!f.isLoaded());
     }
 
     void theDataStoreGoingAway() {
@@ -728,7 +671,7 @@ class TestClassification : public QObject {
         QCOMPARE(text(f, "txtChildCat"), QStringLiteral("2023"));
         QVERIFY(f.EditMode);
         QCOMPARE(f.CurrentRowID, 100);
-        QVERIFY(!listShown(f, "lstChildCategory"));
+        QVERIFY(!isShown(f, "lstChildCategory"));
 
         // Parents further down, after the cascade has run for the first category.
         press(f, 1);

@@ -7,6 +7,7 @@
 #include "reports/ReportPreview.h"
 #include "reports/Reports.h"
 #include "session/GenMod.h"
+#include "support/ScreenDriver.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -30,10 +31,7 @@ frmFile& form() {
 }
 
 template <class T> T* ctl(const char* name) {
-    T* c = form().control<T>(QString::fromLatin1(name));
-    if (!c)
-        qFatal("no control %s", name);
-    return c;
+    return testsupport::ctl<T>(form(), QString::fromLatin1(name));
 }
 
 platform::ListView* list() {
@@ -41,13 +39,11 @@ platform::ListView* list() {
 }
 
 void press(int index) {
-    ctl<QPushButton>(QStringLiteral("cmd(%1)").arg(index).toLatin1().constData())->click();
+    testsupport::press(form(), index);
 }
 
 void type(const char* box, const QString& text) {
-    auto* edit = ctl<QLineEdit>(box);
-    edit->clear();
-    QTest::keyClicks(edit, text);
+    testsupport::type(form(), QString::fromLatin1(box), text);
 }
 
 void enter(const QString& number, const QString& particulars) {
@@ -56,32 +52,21 @@ void enter(const QString& number, const QString& particulars) {
 }
 
 QString text(const char* box) {
-    return ctl<QLineEdit>(box)->text();
+    return testsupport::text(form(), QString::fromLatin1(box));
 }
 
 bool listShown() {
-    return !list()->isHidden();
+    return testsupport::isShown(form(), QStringLiteral("lstFile"));
 }
 
 // The rows of the list as "key|number|particulars".
 QStringList rows() {
-    QStringList out;
-    for (int i = 0; i < list()->ListCount(); ++i)
-        out << QStringList{list()->itemText(i, 0), list()->itemText(i, 1), list()->itemText(i, 2)}.join('|');
-    return out;
+    return testsupport::listRows(form(), QStringLiteral("lstFile"));
 }
 
 // Selects the row of that file number and presses Enter on it, which counts as a double click.
 void dblClick(const QString& number) {
-    auto* view = list();
-    for (int i = 0; i < view->ListCount(); ++i) {
-        if (view->itemText(i, 1) == number) {
-            view->setCurrentItem(view->topLevelItem(i));
-            QTest::keyClick(view, Qt::Key_Return);
-            return;
-        }
-    }
-    qFatal("no row %s in lstFile", qPrintable(number));
+    testsupport::dblClick(form(), QStringLiteral("lstFile"), number, 1);
 }
 
 QStringList printedNumbers() {

@@ -13,9 +13,12 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <unistd.h>
 
 using namespace platform;
 
@@ -171,9 +174,68 @@ class TestPlatform : public QObject {
         QCOMPARE(picker->Value().toDate(), QDate(2020, 1, 2));
     }
 
+    // Enter presses the focused button, as Space does; Enter in a box presses nothing.
+    void enterPressesTheFocusedButton() {
+        QWidget form;
+        auto* box = new QLineEdit(&form);
+        auto* button = new CommandButton(&form);
+        QSignalSpy clicks(button, &QPushButton::clicked);
+        QTest::keyClick(box, Qt::Key_Return);
+        QCOMPARE(clicks.size(), 0);
+        QTest::keyClick(button, Qt::Key_Return);
+        QTest::keyClick(button, Qt::Key_Enter, Qt::KeypadModifier);
+        QTest::keyClick(button, Qt::Key_Space);
+        QCOMPARE(clicks.size(), 3);
+    }
+
+    // The previous-instance test holds a lock that dies with its process: a lock file left by
+    // a crashed run does not count, a running instance does, and each user has a lock of his
+    // own even where the login name is unknown.
+    void previousInstanceIsPerUserAndDiesWithTheProcess() {
+        QTemporaryDir runtime;
+        QFile stale(QDir(runtime.path()).filePath(QStringLiteral("Vorlane.lock")));
+        QVERIFY(stale.open(QIODevice::WriteOnly));
+        stale.write("4242\n");
+        stale.close();
+
+        QTemporaryDir temp;
+        const auto otherStart = [&](bool withRuntimeFolder) {
+            QProcess child;
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("VORLANE_PREVINSTANCE_PROBE"), QStringLiteral("1"));
+            env.remove(QStringLiteral("USER"));
+            if (withRuntimeFolder)
+                env.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+            else
+                env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+            env.insert(QStringLiteral("TMPDIR"), temp.path());
+            child.setProcessEnvironment(env);
+            child.start(QCoreApplication::applicationFilePath(), {});
+            child.waitForFinished(30000);
+            return child.exitCode();
+        };
+        QCOMPARE(otherStart(true), 0); // the stale file alone stops nobody
+
+        qputenv("XDG_RUNTIME_DIR", runtime.path().toLocal8Bit());
+        QVERIFY(!PrevInstance());
+        QVERIFY(!PrevInstance()); // the holder asks again: still the only one
+        QCOMPARE(otherStart(true), 1);
+        // Without a runtime folder the lock is named after the numeric user id.
+        QCOMPARE(otherStart(false), 0);
+        QVERIFY(QFile::exists(QDir(temp.path()).filePath(QStringLiteral("Vorlane-%1.lock").arg(::getuid()))));
+    }
+
   private:
     QTemporaryDir m_dir;
 };
 
-QTEST_MAIN(TestPlatform)
+// Run as a second start by previousInstanceIsPerUserAndDiesWithTheProcess: the exit code
+// tells whether another instance was found.
+int main(int argc, char* argv[]) {
+    if (qEnvironmentVariableIsSet("VORLANE_PREVINSTANCE_PROBE"))
+        return platform::PrevInstance() ? 1 : 0;
+    QApplication app(argc, argv);
+    TestPlatform test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_platform.moc"

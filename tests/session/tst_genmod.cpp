@@ -95,6 +95,28 @@ class TestGenMod : public QObject {
         QCOMPARE(list.item(1)->text(), QStringLiteral("clerk"));
     }
 
+    // A sorted control puts an item where it belongs; its key must land on that item.
+    void keysFollowTheirItemsIntoSortedLists() {
+        m_env->exec("insert into DocumentType values(1,'Zulu',1)");
+        m_env->exec("insert into DocumentType values(2,'alpha',1)");
+        m_env->exec("insert into DocumentType values(3,'Mike',1)");
+        platform::ListBox list;
+        list.setSorted(true);
+        FillList("TypeID, DocType", "DocumentType order by TypeID", &list);
+        platform::ComboBox combo;
+        combo.setSorted(true);
+        FillCombo("TypeID, DocType", "DocumentType order by TypeID", &combo);
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(list.item(i)->text(), combo.itemText(i));
+            QCOMPARE(list.ItemData(i), combo.ItemData(i));
+        }
+        QCOMPARE(list.item(0)->text(), QStringLiteral("alpha"));
+        QCOMPARE(list.ItemData(0), 2);
+        QCOMPARE(list.ItemData(2), 1);
+        QCOMPARE(combo.ListIndex(), -1);
+        QVERIFY(messages().isEmpty());
+    }
+
     void findItemIndexSelectsTheFirstItemOnTheWay() {
         platform::ComboBox combo;
         for (int key : {5, 7, 7}) {

@@ -1,0 +1,96 @@
+#include "ScreenDriver.h"
+
+#include "platform/Controls.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace testsupport {
+
+void press(const Form& form, int index) {
+    press(form, QStringLiteral("cmd(%1)").arg(index));
+}
+
+void press(const Form& form, const QString& button) {
+    ctl<QPushButton>(form, button)->click();
+}
+
+void type(const Form& form, const QString& box, const QString& text) {
+    auto* edit = ctl<QLineEdit>(form, box);
+    edit->clear();
+    QTest::keyClicks(edit, text);
+}
+
+QString text(const Form& form, const QString& box) {
+    return ctl<QLineEdit>(form, box)->text();
+}
+
+void pick(const Form& form, const QString& combo, const QString& item) {
+    auto* box = ctl<platform::ComboBox>(form, combo);
+    const int index = box->findText(item);
+    if (index < 0)
+        qFatal("no item %s in %s", qPrintable(item), qPrintable(combo));
+    box->setListIndex(index);
+}
+
+QStringList items(const Form& form, const QString& combo) {
+    QStringList out;
+    auto* box = ctl<platform::ComboBox>(form, combo);
+    for (int i = 0; i < box->count(); ++i)
+        out << box->itemText(i);
+    return out;
+}
+
+void dblClick(const Form& form, const QString& list, const QString& item, int column) {
+    if (auto* box = form.control<platform::ListBox>(list)) {
+        const auto found = box->findItems(item, Qt::MatchExactly);
+        if (found.isEmpty())
+            qFatal("no row %s in %s", qPrintable(item), qPrintable(list));
+        box->setCurrentItem(found.first());
+        QTest::keyClick(box, Qt::Key_Return);
+        return;
+    }
+    auto* view = ctl<platform::ListView>(form, list);
+    for (int i = 0; i < view->ListCount(); ++i) {
+        if (view->itemText(i, column) == item) {
+            view->setCurrentItem(view->topLevelItem(i));
+            QTest::keyClick(view, Qt::Key_Return);
+            return;
+        }
+    }
+    qFatal("no row %s in %s", qPrintable(item), qPrintable(list));
+}
+
+QStringList listRows(const Form& form, const QString& list) {
+    QStringList out;
+    if (auto* box = form.control<platform::ListBox>(list)) {
+        for (int i = 0; i < box->count(); ++i)
+            out << box->item(i)->text();
+        return out;
+    }
+    auto* view = ctl<platform::ListView>(form, list);
+    for (int i = 0; i < view->ListCount(); ++i) {
+        QStringList columns;
+        for (int c = 0; c < view->columnCount(); ++c)
+            columns << view->itemText(i, c);
+        out << columns.join(QLatin1Char('|'));
+    }
+    return out;
+}
+
+bool isShown(const Form& form, const QString& name) {
+    return !ctl<QWidget>(form, name)->isHidden();
+}
+
+QStringList tabOrder(QWidget* window) {
+    QStringList order;
+    QWidget* w = window;
+    do {
+        w = w->nextInFocusChain();
+        if (w != window && (w->focusPolicy() & Qt::TabFocus) && window->isAncestorOf(w))
+            order << w->objectName();
+    } while (w != window);
+    return order;
+}
+
+} // namespace testsupport
