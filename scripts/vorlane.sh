@@ -11,7 +11,7 @@ packages=(
   libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev
   qt6-qpa-plugins fonts-dejavu-core
 )
-test_packages=(poppler-utils xvfb xauth)
+test_packages=(poppler-utils xvfb xauth clang-format)
 
 install_packages() {
   local missing=()
@@ -27,27 +27,29 @@ install_packages() {
 
 jobs=$(nproc 2>/dev/null || echo 2)
 
-build() { # build <dir> [cmake options...]
-  local dir=$1; shift
-  cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVORLANE_WERROR=ON "$@" >/dev/null
-  cmake --build "$dir" -j"$jobs"
+configure() { # configure <preset>
+  cmake --preset "$1" >/dev/null
 }
 
 case "${1:-}" in
   run)
     install_packages "${packages[@]}"
-    build build
+    configure dev
+    # Only the program, its set-up tool and its help: the tests are built by "test".
+    cmake --build --preset program -j"$jobs"
     ./build/Vorlane/VorlaneSetup --if-missing
     exec ./build/Vorlane/Vorlane
     ;;
   test)
     install_packages "${packages[@]}" "${test_packages[@]}"
-    build build
-    QT_QPA_PLATFORM=offscreen ctest --test-dir build -j"$jobs" --output-on-failure
+    configure ci
+    cmake --build build --target format-check
+    cmake --build --preset ci -j"$jobs"
+    ctest --preset ci -j"$jobs"
     # Once more under AddressSanitizer and UndefinedBehaviorSanitizer.
-    build build-sanitize -DVORLANE_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
-    ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-      QT_QPA_PLATFORM=offscreen ctest --test-dir build-sanitize -j"$jobs" --output-on-failure
+    configure asan
+    cmake --build --preset asan -j"$jobs"
+    ctest --preset asan -j"$jobs"
     ;;
   *)
     echo "usage: bash scripts/vorlane.sh run|test" >&2

@@ -65,4 +65,4 @@ void ToolbarPicturesTest::otherPicturesHaveTheirSizes() {
 }
 
 QTEST_MAIN(ToolbarPicturesTest)
-#include "ToolbarPicturesTest.moc"
+#include "tst_toolbarpictures.moc"

@@ -148,4 +148,4 @@ void HelpViewerTest::contentsJumpToSectionsAndBackReturns() {
 }
 
 QTEST_MAIN(HelpViewerTest)
-#include "HelpViewerTest.moc"
+#include "tst_helpviewer.moc"
