@@ -25,17 +25,6 @@ namespace db {
 
 namespace {
 
-constexpr int ErrNotSupported = 3251;
-
-const QString kObjectClosed = QStringLiteral("Operation is not allowed when the object is closed.");
-const QString kItemNotFound =
-    QStringLiteral("Item cannot be found in the collection corresponding to the requested name or ordinal.");
-const QString kNoCurrentRecord =
-    QStringLiteral("Either BOF or EOF is True, or the current record has been deleted. Requested operation "
-                   "requires a current record.");
-const QString kNotUpdatable = QStringLiteral("Current Recordset does not support updating. This may be a "
-                                             "limitation of the provider, or of the selected locktype.");
-
 // The engine's own words, without Qt's wrapping.
 QString describe(const QSqlError& e) {
     QString text = e.databaseText().trimmed();
@@ -129,7 +118,7 @@ struct Connection::Impl {
 
     void requireOpen() const {
         if (!open)
-            throw platform::Error(ErrObjectClosed, kObjectClosed);
+            throw platform::Error(ErrObjectClosed, TextObjectClosed);
     }
 
     void applyTimeout(int seconds) {
@@ -342,7 +331,7 @@ struct Recordset::Impl {
 
     void requireOpen() const {
         if (!open)
-            throw platform::Error(ErrObjectClosed, kObjectClosed);
+            throw platform::Error(ErrObjectClosed, TextObjectClosed);
     }
 
     int fieldIndex(const QString& name) const {
@@ -430,9 +419,9 @@ struct Recordset::Impl {
     const QVariant& value(int index) const {
         requireOpen();
         if (index < 0 || index >= names.size())
-            throw platform::Error(ErrItemNotFound, kItemNotFound);
+            throw platform::Error(ErrItemNotFound, TextItemNotFound);
         if (position < 0 || position >= rows.size())
-            throw platform::Error(ErrNoCurrentRecord, kNoCurrentRecord);
+            throw platform::Error(ErrNoCurrentRecord, TextNoCurrentRecord);
         return rows[position][index];
     }
 
@@ -476,7 +465,7 @@ void Recordset::Open(const QString& source, const ConnectionPtr& connection, int
     if (d.open)
         Close();
     if (!connection || !connection->isOpen())
-        throw platform::Error(ErrObjectClosed, kObjectClosed);
+        throw platform::Error(ErrObjectClosed, TextObjectClosed);
     d.connection = connection;
     d.source = source;
     d.cursorType = cursorType == adOpenUnspecified ? adOpenForwardOnly : cursorType;
@@ -527,7 +516,7 @@ void Recordset::MoveNext() {
     Impl& d = *m_impl;
     d.requireOpen();
     if (d.position >= d.rows.size())
-        throw platform::Error(ErrNoCurrentRecord, kNoCurrentRecord);
+        throw platform::Error(ErrNoCurrentRecord, TextNoCurrentRecord);
     ++d.position;
 }
 
@@ -551,7 +540,7 @@ QString Recordset::FieldName(int index) const {
     const Impl& d = *m_impl;
     d.requireOpen();
     if (index < 0 || index >= d.names.size())
-        throw platform::Error(ErrItemNotFound, kItemNotFound);
+        throw platform::Error(ErrItemNotFound, TextItemNotFound);
     return d.names[index];
 }
 
@@ -559,7 +548,7 @@ QVariant Recordset::Fields(const QString& name) const {
     m_impl->requireOpen();
     const int index = m_impl->fieldIndex(name);
     if (index < 0)
-        throw platform::Error(ErrItemNotFound, kItemNotFound);
+        throw platform::Error(ErrItemNotFound, TextItemNotFound);
     return m_impl->value(index);
 }
 
@@ -571,7 +560,7 @@ void Recordset::AddNew() {
     Impl& d = *m_impl;
     d.requireOpen();
     if (d.lockType == adLockReadOnly || d.cursorType == adOpenStatic || d.singleTable().isEmpty())
-        throw platform::Error(ErrNotSupported, kNotUpdatable);
+        throw platform::Error(ErrNotSupported, TextNotUpdatable);
     d.adding = true;
     d.pending.clear();
 }
@@ -580,9 +569,9 @@ void Recordset::setField(const QString& name, const QVariant& value) {
     Impl& d = *m_impl;
     d.requireOpen();
     if (d.fieldIndex(name) < 0)
-        throw platform::Error(ErrItemNotFound, kItemNotFound);
+        throw platform::Error(ErrItemNotFound, TextItemNotFound);
     if (!d.adding)
-        throw platform::Error(ErrNotSupported, kNotUpdatable);
+        throw platform::Error(ErrNotSupported, TextNotUpdatable);
     for (auto& p : d.pending)
         if (p.first.compare(name, Qt::CaseInsensitive) == 0) {
             p.second = value;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Error.h"
+#include "Errors.h"
 
 #include <QString>
 #include <QStringList>
@@ -30,14 +30,6 @@ enum LockType : int {
 };
 
 enum ObjectState : int { adStateClosed = 0, adStateOpen = 1 };
-
-// Error numbers that the screens tell apart.
-inline constexpr int ErrDataSourceNotFound = -2147467259; // no such data source or file
-inline constexpr int ErrLoginFailed = -2147217843;        // the data store refused user or password
-inline constexpr int ErrStatement = -2147217900;          // the statement was refused
-inline constexpr int ErrItemNotFound = 3265;              // no field of that name or position
-inline constexpr int ErrObjectClosed = 3704;              // operation on a closed object
-inline constexpr int ErrNoCurrentRecord = 3021;           // EOF or BOF is set
 
 class Dialect;
 

@@ -1,6 +1,6 @@
 #include "Schema.h"
 
-#include "Ado.h"
+#include "Errors.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 

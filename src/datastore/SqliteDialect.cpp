@@ -1,5 +1,5 @@
-#include "Ado.h"
 #include "Dialect.h"
+#include "Errors.h"
 #include "Schema.h"
 #include "SqlText.h"
 
