@@ -586,17 +586,12 @@ void Recordset::Update() {
     if (!d.adding)
         return;
     const QString tableName = d.singleTable();
-    const Table* table = findTable(tableName);
     QStringList columns, marks;
     QVariantList values;
     for (const auto& [name, value] : d.pending) {
         columns << name;
         marks << QStringLiteral("?");
-        bool date = false;
-        if (table)
-            for (const Column& c : table->columns)
-                if (c.type == ColumnType::Date && c.name.compare(name, Qt::CaseInsensitive) == 0)
-                    date = true;
+        const bool date = isDateColumn(tableName, name);
         QVariant stored = value;
         if (date && value.typeId() == QMetaType::QDate)
             stored = value.toDate().toString(Qt::ISODate);

@@ -200,6 +200,16 @@ const Table* findTable(const QString& name) {
     return nullptr;
 }
 
+bool isDateColumn(const QString& table, const QString& column) {
+    const Table* t = findTable(table);
+    if (!t)
+        return false;
+    for (const Column& c : t->columns)
+        if (c.type == ColumnType::Date && c.name.compare(column, Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
+
 bool isSchemaName(const QString& name) {
     return canonicalNames().contains(name.toLower());
 }
