@@ -32,6 +32,7 @@ enum LockType : int {
 enum ObjectState : int { adStateClosed = 0, adStateOpen = 1 };
 
 class Dialect;
+class Engine;
 
 // One connection to the data store. It is opened once; releasing the last reference closes it
 // and discards any transaction that is still open.
@@ -67,11 +68,15 @@ class Connection {
     // The dialect of the engine beneath, for the recordsets of this connection.
     const Dialect& dialect() const;
 
-    struct Impl;
-    Impl& impl() const { return *m_impl; }
-
   private:
-    std::unique_ptr<Impl> m_impl;
+    friend class Recordset;
+    // The engine of the open connection, its wait set to CommandTimeout for the next
+    // statement. Throws ErrObjectClosed when the connection is not open.
+    Engine& engine() const;
+    void release();
+
+    std::unique_ptr<Engine> m_engine;
+    bool m_inTransaction = false;
 };
 
 using ConnectionPtr = std::shared_ptr<Connection>;
