@@ -6,8 +6,19 @@
 
 namespace db {
 
+namespace {
+
+test::EngineFactory& testFactory() {
+    static test::EngineFactory factory;
+    return factory;
+}
+
+} // namespace
+
 std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& user, const QString& password,
                                    int timeoutSeconds) {
+    if (testFactory())
+        return testFactory()(dataSource);
     if (odbcKnows(dataSource))
         return openOdbcSource(dataSource, user, password);
     return SqliteEngine::openEmbedded(timeoutSeconds);
@@ -16,6 +27,10 @@ std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& use
 const Dialect& defaultDialect() {
     static const SqliteDialect dialect;
     return dialect;
+}
+
+void test::setEngineFactory(EngineFactory factory) {
+    testFactory() = std::move(factory);
 }
 
 } // namespace db

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
+#include <functional>
 #include <memory>
 
 namespace db {
@@ -55,5 +56,12 @@ std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& use
 
 // The dialect of a connection that is not open.
 const Dialect& defaultDialect();
+
+namespace test {
+// Makes openEngine hand out the engines of `factory` instead of opening a data source; an
+// empty function restores the data sources.
+using EngineFactory = std::function<std::unique_ptr<Engine>(const QString& dataSource)>;
+void setEngineFactory(EngineFactory factory);
+} // namespace test
 
 } // namespace db
