@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Error.h"
+#include "Errors.h"
 
 #include <QString>
 #include <QStringList>
@@ -31,15 +31,8 @@ enum LockType : int {
 
 enum ObjectState : int { adStateClosed = 0, adStateOpen = 1 };
 
-// Error numbers that the screens tell apart.
-inline constexpr int ErrDataSourceNotFound = -2147467259; // no such data source or file
-inline constexpr int ErrLoginFailed = -2147217843;        // the data store refused user or password
-inline constexpr int ErrStatement = -2147217900;          // the statement was refused
-inline constexpr int ErrItemNotFound = 3265;              // no field of that name or position
-inline constexpr int ErrObjectClosed = 3704;              // operation on a closed object
-inline constexpr int ErrNoCurrentRecord = 3021;           // EOF or BOF is set
-
 class Dialect;
+class Engine;
 
 // One connection to the data store. It is opened once; releasing the last reference closes it
 // and discards any transaction that is still open.
@@ -75,11 +68,15 @@ class Connection {
     // The dialect of the engine beneath, for the recordsets of this connection.
     const Dialect& dialect() const;
 
-    struct Impl;
-    Impl& impl() const { return *m_impl; }
-
   private:
-    std::unique_ptr<Impl> m_impl;
+    friend class Recordset;
+    // The engine of the open connection, its wait set to CommandTimeout for the next
+    // statement. Throws ErrObjectClosed when the connection is not open.
+    Engine& engine() const;
+    void release();
+
+    std::unique_ptr<Engine> m_engine;
+    bool m_inTransaction = false;
 };
 
 using ConnectionPtr = std::shared_ptr<Connection>;

@@ -1,6 +1,6 @@
 #include "Schema.h"
 
-#include "Ado.h"
+#include "Errors.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 
@@ -198,6 +198,16 @@ const Table* findTable(const QString& name) {
         if (t.name.compare(name, Qt::CaseInsensitive) == 0)
             return &t;
     return nullptr;
+}
+
+bool isDateColumn(const QString& table, const QString& column) {
+    const Table* t = findTable(table);
+    if (!t)
+        return false;
+    for (const Column& c : t->columns)
+        if (c.type == ColumnType::Date && c.name.compare(column, Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
 }
 
 bool isSchemaName(const QString& name) {

@@ -22,6 +22,8 @@ struct Table {
 const QVector<Table>& schema();
 // The table of that name regardless of case, or nullptr.
 const Table* findTable(const QString& name);
+// True when `column` of `table` holds dates, both names regardless of case.
+bool isDateColumn(const QString& table, const QString& column);
 // True when `name` is a table or column name of the schema, regardless of case.
 bool isSchemaName(const QString& name);
 // The name as the schema spells it, or `name` itself when unknown.

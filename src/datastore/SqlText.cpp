@@ -1,6 +1,6 @@
 #include "SqlText.h"
 
-#include "Ado.h"
+#include "Errors.h"
 
 #include <QLocale>
 #include <QRegularExpression>

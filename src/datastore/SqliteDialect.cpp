@@ -1,5 +1,5 @@
-#include "Ado.h"
 #include "Dialect.h"
+#include "Errors.h"
 #include "Schema.h"
 #include "SqlText.h"
 
@@ -18,15 +18,6 @@ QString quotedName(const QString& name) {
     QString n = canonicalName(name);
     n.replace(QLatin1Char('"'), QStringLiteral("\"\""));
     return QLatin1Char('"') + n + QLatin1Char('"');
-}
-
-bool isDateColumn(const Table* table, const QString& column) {
-    if (!table)
-        return false;
-    for (const Column& c : table->columns)
-        if (c.type == ColumnType::Date && c.name.compare(column, Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
 }
 
 // Index of the next token that is not blank, from `i` on; tokens.size() when none.
@@ -82,7 +73,7 @@ void convertInsertDates(QVector<Token>& tokens, int start) {
     int valueStart = -1;
     int valueTokens = 0;
     auto finishValue = [&] {
-        if (valueTokens == 1 && position < columns.size() && isDateColumn(table, columns[position]))
+        if (valueTokens == 1 && position < columns.size() && isDateColumn(table->name, columns[position]))
             convertDateText(tokens[valueStart]);
         ++position;
         valueStart = -1;
@@ -133,7 +124,7 @@ void convertUpdateDates(QVector<Token>& tokens, int start) {
         const bool lone = after >= tokens.size() || tokens[after].text == QLatin1String(",") ||
                           sql::isKeyword(tokens[after], "where") ||
                           tokens[after].kind == TokenKind::Semicolon;
-        if (v < tokens.size() && lone && isDateColumn(table, column))
+        if (v < tokens.size() && lone && isDateColumn(table->name, column))
             convertDateText(tokens[v]);
         // On to the next assignment: past the value, at the depth of the set list.
         int depth = 0;

@@ -1,6 +1,6 @@
 #include "ReportEngine.h"
 
-#include "datastore/Ado.h"
+#include "datastore/Errors.h"
 #include "platform/Error.h"
 
 #include <QFont>

@@ -176,6 +176,17 @@ void AdoTest::recordsetReadsRowsAndNulls() {
                  "Item cannot be found in the collection corresponding to the requested name or ordinal."));
     QCOMPARE(errorOf([&] { rs.Fields(99); }), db::ErrItemNotFound);
 
+    // A result column is a date by the table column it comes from, whatever it is called: the
+    // report's working table holds texts in columns named like the index's dates.
+    c->Execute(QStringLiteral("Insert into PrintSearchResult (DocDate) values ('2026-03-05')"));
+    db::Recordset joined;
+    joined.Open(QStringLiteral("Select P.DocDate as Shown, V.DocDate as Kept, V.Title1 as DocDate from "
+                               "PrintSearchResult P, Vorlane V where V.IndexID=3"),
+                c);
+    QCOMPARE(joined.Fields(QStringLiteral("Shown")), QVariant(QStringLiteral("2026-03-05")));
+    QCOMPARE(joined.Fields(QStringLiteral("Kept")), QVariant(QDate(2026, 3, 5)));
+    QCOMPARE(joined.Fields(2), QVariant(QStringLiteral("05/Mar/2026")));
+
     // Columns not given stay NULL, distinct from an empty text.
     db::Recordset partial;
     partial.Open(QStringLiteral("Select Title2, Remarks, FileID from Vorlane where IndexID=4"), c);

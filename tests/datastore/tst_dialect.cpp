@@ -1,5 +1,5 @@
-#include "datastore/Ado.h"
 #include "datastore/Dialect.h"
+#include "datastore/Errors.h"
 
 #include <QLocale>
 #include <QtTest>

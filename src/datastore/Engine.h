@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QPair>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+#include <functional>
+#include <memory>
+
+namespace db {
+
+class Dialect;
+
+// The rows of one select, read to the end. NULL is an invalid QVariant; values of the schema's
+// date columns come as QDate, integers as qint64.
+struct Rows {
+    QStringList names;
+    QVector<QVector<QVariant>> values;
+};
+
+// Named values of one new row, in the order they were given.
+using FieldValues = QVector<QPair<QString, QVariant>>;
+
+// What differs between the engines beneath a Connection. An engine is open from its
+// construction to its destruction; texts it runs are already in its dialect. Every failure is
+// thrown as platform::Error with the engine's own description.
+class Engine {
+  public:
+    virtual ~Engine() = default;
+
+    // The translation of the screens' statements for this engine.
+    virtual const Dialect& dialect() const = 0;
+    // Seconds to wait for the store's write lock, applied before each statement.
+    virtual void setTimeout(int seconds) = 0;
+
+    // Runs one statement that returns no rows.
+    virtual void execute(const QString& text) = 0;
+    // Runs one select and reads all its rows.
+    virtual Rows select(const QString& text) = 0;
+    // Adds one row to `table` (named as the screens name it); a value of a date column comes as
+    // QDate, any other as the screen gave it.
+    virtual void insert(const QString& table, const FieldValues& values) = 0;
+
+    // Beginning a transaction takes the write lock at once, so that two seats cannot both read
+    // the same maximum key inside their transactions.
+    virtual void beginTransaction() = 0;
+    virtual void commitTransaction() = 0;
+    virtual void rollbackTransaction() = 0;
+};
+
+// Opens the data source of that name: through ODBC when unixODBC knows it, otherwise the
+// embedded database file. `timeoutSeconds` bounds the wait for the store while opening.
+std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& user, const QString& password,
+                                   int timeoutSeconds);
+
+// The dialect of a connection that is not open.
+const Dialect& defaultDialect();
+
+namespace test {
+// Makes openEngine hand out the engines of `factory` instead of opening a data source; an
+// empty function restores the data sources.
+using EngineFactory = std::function<std::unique_ptr<Engine>(const QString& dataSource)>;
+void setEngineFactory(EngineFactory factory);
+} // namespace test
+
+} // namespace db

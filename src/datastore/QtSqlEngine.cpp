@@ -1,0 +1,154 @@
+#include "QtSqlEngine.h"
+
+#include "Dialect.h"
+#include "Errors.h"
+
+#include <QDate>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QUuid>
+#include <utility>
+
+namespace db {
+
+namespace {
+
+QVariant convert(const QVariant& v, bool date) {
+    if (v.isNull())
+        return QVariant();
+    if (date && v.typeId() == QMetaType::QString) {
+        const QDate d = QDate::fromString(v.toString(), Qt::ISODate);
+        return d.isValid() ? QVariant(d) : v;
+    }
+    if (v.typeId() == QMetaType::Int || v.typeId() == QMetaType::LongLong)
+        return QVariant(v.toLongLong());
+    return v;
+}
+
+QVariant stored(const QVariant& v) {
+    return v.typeId() == QMetaType::QDate ? QVariant(v.toDate().toString(Qt::ISODate)) : v;
+}
+
+} // namespace
+
+SqlStore::SqlStore(const QString& driver)
+    : m_database(QSqlDatabase::addDatabase(driver, QStringLiteral("vorlane-") +
+                                                       QUuid::createUuid().toString(QUuid::WithoutBraces))) {}
+
+SqlStore::SqlStore(SqlStore&& other) noexcept : m_database(std::exchange(other.m_database, QSqlDatabase())) {}
+
+SqlStore::~SqlStore() {
+    if (!m_database.isValid())
+        return;
+    const QString name = m_database.connectionName();
+    m_database.close();
+    m_database = QSqlDatabase();
+    QSqlDatabase::removeDatabase(name);
+}
+
+QtSqlEngine::QtSqlEngine(SqlStore store, std::unique_ptr<Dialect> dialect)
+    : m_store(std::move(store)), m_dialect(std::move(dialect)) {}
+
+QtSqlEngine::~QtSqlEngine() = default;
+
+QString QtSqlEngine::describe(const QSqlError& e) {
+    QString text = e.databaseText().trimmed();
+    if (text.isEmpty())
+        text = e.driverText().trimmed();
+    if (text.isEmpty())
+        text = QStringLiteral("The data store refused the statement.");
+    return text;
+}
+
+const Dialect& QtSqlEngine::dialect() const {
+    return *m_dialect;
+}
+
+void QtSqlEngine::setTimeout(int) {}
+
+void QtSqlEngine::execute(const QString& text) {
+    QString failure;
+    {
+        QSqlQuery q(database());
+        if (!q.exec(text))
+            failure = describe(q.lastError());
+    }
+    if (!failure.isNull())
+        throw platform::Error(ErrStatement, failure);
+}
+
+Rows QtSqlEngine::select(const QString& text) {
+    Rows rows;
+    QString failure;
+    {
+        QSqlQuery q(database());
+        q.setForwardOnly(true);
+        if (!q.exec(text)) {
+            failure = describe(q.lastError());
+        } else {
+            const QSqlRecord record = q.record();
+            for (int i = 0; i < record.count(); ++i)
+                rows.names << record.fieldName(i);
+            const QVector<bool> dates = dateColumns(text, record.count());
+            while (q.next()) {
+                QVector<QVariant> row(record.count());
+                for (int i = 0; i < record.count(); ++i)
+                    row[i] = convert(q.value(i), dates[i]);
+                rows.values.push_back(std::move(row));
+            }
+            if (q.lastError().isValid())
+                failure = describe(q.lastError());
+        }
+    }
+    if (!failure.isNull())
+        throw platform::Error(ErrStatement, failure);
+    return rows;
+}
+
+void QtSqlEngine::insert(const QString& table, const FieldValues& values) {
+    QStringList columns, marks;
+    for (const auto& value : values) {
+        columns << value.first;
+        marks << QStringLiteral("?");
+    }
+    const QString text = m_dialect->translate(
+        columns.isEmpty() ? QStringLiteral("Insert into %1 default values").arg(table)
+                          : QStringLiteral("Insert into %1 (%2) values (%3)")
+                                .arg(table, columns.join(QLatin1Char(',')), marks.join(QLatin1Char(','))));
+    QString failure;
+    {
+        QSqlQuery q(database());
+        if (!q.prepare(text)) {
+            failure = describe(q.lastError());
+        } else {
+            for (const auto& value : values)
+                q.addBindValue(stored(value.second));
+            if (!q.exec())
+                failure = describe(q.lastError());
+        }
+    }
+    if (!failure.isNull())
+        throw platform::Error(ErrStatement, failure);
+}
+
+void QtSqlEngine::beginTransaction() {
+    if (!database().transaction())
+        throw platform::Error(ErrStatement, describe(database().lastError()));
+}
+
+void QtSqlEngine::commitTransaction() {
+    if (!database().commit())
+        throw platform::Error(ErrStatement, describe(database().lastError()));
+}
+
+void QtSqlEngine::rollbackTransaction() {
+    if (!database().rollback())
+        throw platform::Error(ErrStatement, describe(database().lastError()));
+}
+
+QVector<bool> QtSqlEngine::dateColumns(const QString&, int count) {
+    return QVector<bool>(count, false);
+}
+
+} // namespace db

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Engine.h"
+
+#include <QSqlDatabase>
+
+class QSqlError;
+
+namespace db {
+
+// A Qt SQL connection of its own, under a name that no other connection uses. Dropping it
+// closes and unregisters the connection.
+class SqlStore {
+  public:
+    explicit SqlStore(const QString& driver);
+    SqlStore(SqlStore&& other) noexcept;
+    SqlStore& operator=(SqlStore&&) = delete;
+    ~SqlStore();
+
+    QSqlDatabase& database() { return m_database; }
+
+  private:
+    QSqlDatabase m_database;
+};
+
+// An engine reached through a Qt SQL driver: statements, selects and inserts through the
+// driver, transactions through the driver's own. Dates go to the store as ISO text, the form in
+// which the dialects write date literals.
+class QtSqlEngine : public Engine {
+  public:
+    // `store` is open.
+    QtSqlEngine(SqlStore store, std::unique_ptr<Dialect> dialect);
+    ~QtSqlEngine() override;
+
+    const Dialect& dialect() const override;
+    void setTimeout(int seconds) override;
+    void execute(const QString& text) override;
+    Rows select(const QString& text) override;
+    void insert(const QString& table, const FieldValues& values) override;
+    void beginTransaction() override;
+    void commitTransaction() override;
+    void rollbackTransaction() override;
+
+    // The engine's own words, without Qt's wrapping.
+    static QString describe(const QSqlError& e);
+
+  protected:
+    QSqlDatabase& database() { return m_store.database(); }
+    // Which result columns of `text` hold dates, for `count` columns. Without knowledge of
+    // its own an engine leaves the values as the driver types them.
+    virtual QVector<bool> dateColumns(const QString& text, int count);
+
+  private:
+    SqlStore m_store;
+    std::unique_ptr<Dialect> m_dialect;
+};
+
+} // namespace db

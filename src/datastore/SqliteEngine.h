@@ -1,0 +1,32 @@
+#pragma once
+
+#include "QtSqlEngine.h"
+
+struct sqlite3;
+
+namespace db {
+
+// The embedded database file, Database/Vorlane.mdb in the program's folder. Waits for the
+// file's write lock up to the timeout, takes that lock when a transaction begins, and compares
+// texts without regard to the case of any letter.
+class SqliteEngine : public QtSqlEngine {
+  public:
+    // Opens the existing file; a missing file, or one that holds no tables, fails with
+    // ErrDataSourceNotFound. The file is never created here.
+    static std::unique_ptr<SqliteEngine> openEmbedded(int timeoutSeconds);
+
+    void setTimeout(int seconds) override;
+    void beginTransaction() override;
+    void commitTransaction() override;
+    void rollbackTransaction() override;
+
+  protected:
+    QVector<bool> dateColumns(const QString& text, int count) override;
+
+  private:
+    explicit SqliteEngine(SqlStore store);
+
+    sqlite3* m_handle;
+};
+
+} // namespace db
