@@ -9,7 +9,7 @@ packages=(
   build-essential cmake pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libqt6svg6
   libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev
-  qt6-qpa-plugins fonts-dejavu-core
+  qt6-qpa-plugins fonts-dejavu-core fonts-liberation2
 )
 test_packages=(poppler-utils xvfb xauth clang-format)
 

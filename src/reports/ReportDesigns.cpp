@@ -11,11 +11,14 @@ const FontSpec kTitle{15.0, true};
 const FontSpec kHeading{9.0, true};
 const FontSpec kRow{9.0};
 const FontSpec kFooter{8.0};
+const FontSpec kAddress{8.5};
 // The letterhead is set in a serif face.
-const FontSpec kLhName{20.0, true, false, true};
+const FontSpec kLhName{18.0, true, false, true};
 const FontSpec kLhLine{10.5, false, false, true};
 const FontSpec kLhLabel{10.0, true, false, true};
 const FontSpec kLhValue{10.0, false, false, true};
+// The letterhead's captions end this far before their values.
+constexpr double kLhGap = 3.0;
 
 // The lists' defaults: labels are set as headings, text boxes as rows.
 Control heading(const QString& name, const QString& caption, double left, double top, double width,
@@ -28,6 +31,19 @@ enum Grow { Fixed, Grows };
 // A control placed from the middle of the body rather than its left edge.
 Control mid(Control c) {
     c.anchor = Anchor::Middle;
+    return c;
+}
+
+// A caption that grows downwards to hold all of its text.
+Control growing(Control c) {
+    c.canGrow = true;
+    return c;
+}
+
+// A caption centred together with its value as one unit.
+Control centredWith(Control c, const QString& partner, double gap) {
+    c.centredWith = partner;
+    c.unitGap = gap;
     return c;
 }
 
@@ -106,10 +122,12 @@ ReportDesign RptInternetRef() {
                       heading("Label3", "Online Link",                   246, 40, W,   13),
                       rule ("Line2",                                     57),
                   }),
-                  detail("cmdInternetRefList", 34, {
-                      box("txtRefName",     "RefName",       4,  3, 230, 13, Fixed, FontSpec{9.0, true}),
-                      box("txtParticulars", "Particulars",   4, 17, 230, 13, Grows),
-                      box("txtOnlineLink",  "OnlineLink",  246,  3, W,   13),
+                  // The link keeps its box, which takes the column and the band's height: three
+                  // lines, broken anywhere when the link has no blanks.
+                  detail("cmdInternetRefList", 40, {
+                      box("txtRefName",     "RefName",       4,  3, 230, 13,   Fixed, FontSpec{9.0, true}),
+                      box("txtParticulars", "Particulars",   4, 17, 230, 13,   Grows),
+                      box("txtOnlineLink",  "OnlineLink",  246,  3, W,   31.5),
                   }),
                   numberedFooter("Label2", "%p of %P", "Line4"),
                   reportFooter());
@@ -123,26 +141,27 @@ ReportDesign RptContactList() {
                   pageHeader(62, {
                       heading("Label1", "Important Contact List",   0,  0, W,   22, kTitle, Align::Center),
                       rule ("Line1",                              34),
-                      heading("Label2", "Contact Name",             4, 40, 108, 13),
-                      heading("Label3", "Address",                118, 40, 110, 13),
-                      heading("Label4", "Contact Details",        234, 40, 150, 13),
-                      heading("Label5", "Remarks",                390, 40, W,   13),
+                      heading("Label2", "Contact Name",             4, 40,  76, 13),
+                      heading("Label3", "Address",                 84, 40, 174, 13),
+                      heading("Label4", "Contact Details",        262, 40, 144, 13),
+                      heading("Label5", "Remarks",                412, 40, W,   13),
                       rule ("Line2",                              57),
                   }),
+                  // The address lines are set a little smaller, so that lines of forty letters fit.
                   detail("cmdContactList", 62, {
-                      box  ("txtFullName", "FullName",   4,  3, 108, 12, Grows, FontSpec{9.0, true}),
-                      box  ("txtAdd1",     "Add1",     118,  3, 110, 12),
-                      box  ("txtAdd2",     "Add2",     118, 16, 110, 12),
-                      box  ("txtAdd3",     "Add3",     118, 29, 110, 12),
-                      heading("Label7",      "Phone:",   234,  3,  34, 12, kRow),
-                      box  ("txtPhone",    "Phone",    270,  3, 114, 12),
-                      heading("Label8",      "Cell:",    234, 16,  34, 12, kRow),
-                      box  ("txtCell",     "Cell",     270, 16, 114, 12),
-                      heading("Label9",      "Fax:",     234, 29,  34, 12, kRow),
-                      box  ("txtFax",      "Fax",      270, 29, 114, 12),
-                      heading("Label10",     "Email:",   234, 42,  34, 12, kRow),
-                      box  ("txtEmail",    "Email",    270, 42, 114, 12, Grows),
-                      box  ("txtRemarks",  "Remarks",  390,  3, W,   12, Grows),
+                      box  ("txtFullName", "FullName",   4,  3,  76, 12, Grows, FontSpec{9.0, true}),
+                      box  ("txtAdd1",     "Add1",      84,  3, 174, 12, Fixed, kAddress),
+                      box  ("txtAdd2",     "Add2",      84, 16, 174, 12, Fixed, kAddress),
+                      box  ("txtAdd3",     "Add3",      84, 29, 174, 12, Fixed, kAddress),
+                      heading("Label7",      "Phone:",   262,  3,  30, 12, kRow),
+                      box  ("txtPhone",    "Phone",    294,  3, 112, 12),
+                      heading("Label8",      "Cell:",    262, 16,  30, 12, kRow),
+                      box  ("txtCell",     "Cell",     294, 16, 112, 12),
+                      heading("Label9",      "Fax:",     262, 29,  30, 12, kRow),
+                      box  ("txtFax",      "Fax",      294, 29, 112, 12),
+                      heading("Label10",     "Email:",   262, 42,  30, 12, kRow),
+                      box  ("txtEmail",    "Email",    294, 42, 112, 12, Grows),
+                      box  ("txtRemarks",  "Remarks",  412,  3, W,   12, Grows),
                       rule ("Line3",                    58, 0, W, 0.4),
                   }),
                   numberedFooter("Label6", "Page %p of %P", QString()),
@@ -150,12 +169,13 @@ ReportDesign RptContactList() {
 }
 
 ReportDesign rptSearchReport() {
-    // Four columns of two lines each; the headings wrap inside their two-line boxes.
+    // Four columns of two lines each; the headings wrap inside their two-line boxes, and the
+    // query line grows to hold the whole sentence of the criteria.
     return design(QStringLiteral("rptSearchReport"), QStringLiteral("Search Result"),
                   QStringLiteral("cmdSearchResult"),
-                  reportHeader(54, {
-                      heading("Label2",   "Query:",  0, 0, 42, 13, FontSpec{10.0, true}),
-                      heading("lblQuery", "Query",  44, 0, W,  42, FontSpec{10.0}),
+                  reportHeader(20, {
+                      heading("Label2",           "Query:",  0, 0, 42, 13, FontSpec{10.0, true}),
+                      growing(heading("lblQuery", "Query",  44, 0, W,  13, FontSpec{10.0})),
                   }),
                   pageHeader(38, {
                       rule ("Line2",                                  0),
@@ -186,7 +206,8 @@ ReportDesign rptSearchReport() {
 static Section letterFooter() { return pageFooter(288); }
 
 ReportDesign RptLetterHead() {
-    // Left-aligned head: everything starts at the left margin.
+    // Left-aligned head: everything starts at the left margin; the captions end just before
+    // their values.
     return design(QStringLiteral("RptLetterHead"), QStringLiteral("Letterhead"), QStringLiteral("cmdLetterHead"),
                   reportHeader(), pageHeader(0),
                   detail("cmdLetterHead", 122, {
@@ -194,14 +215,15 @@ ReportDesign RptLetterHead() {
                       box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine),
                       box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine),
                       box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine),
-                      heading("Label2",      "Cell :",     0, 80,  34, 14, kLhLabel),
-                      box  ("txtCell",     "Cell",      36, 80, 120, 14, Fixed, kLhValue),
-                      heading("Label1",      "Phone :",  162, 80,  44, 14, kLhLabel),
-                      box  ("txtPhone",    "Phone",    208, 80, 120, 14, Fixed, kLhValue),
-                      heading("Label3",      "Fax :",    334, 80,  30, 14, kLhLabel),
-                      box  ("txtFax",      "Fax",      366, 80, 121, 14, Fixed, kLhValue),
-                      heading("Label4",      "Email :",    0, 96,  42, 14, kLhLabel),
-                      box  ("txtEmail",    "Email",     44, 96, 280, 14, Fixed, kLhValue),
+                      heading("Label2",      "Cell :",     0, 80,  24, 14, kLhLabel, Align::Right),
+                      box  ("txtCell",     "Cell",      24 + kLhGap, 80, 120, 14, Fixed, kLhValue),
+                      heading("Label1",      "Phone :",  160, 80,  34, 14, kLhLabel, Align::Right),
+                      box  ("txtPhone",    "Phone",    194 + kLhGap, 80, 120, 14, Fixed, kLhValue),
+                      heading("Label3",      "Fax :",    330, 80,  24, 14, kLhLabel, Align::Right),
+                      box  ("txtFax",      "Fax",      354 + kLhGap, 80, W,   14, Fixed, kLhValue),
+                      // The mail address may run to the right margin.
+                      heading("Label4",      "Email :",    0, 96,  32, 14, kLhLabel, Align::Right),
+                      box  ("txtEmail",    "Email",     32 + kLhGap, 96, W,   14, Fixed, kLhValue),
                       rule ("Line1",                   116, 0, W, 1.2),
                   }),
                   letterFooter(), reportFooter());
@@ -209,7 +231,8 @@ ReportDesign RptLetterHead() {
 
 ReportDesign RptLetterHead2() {
     // Centred head: the name and address span the width; the numbers sit further in, the
-    // wide "Cell : " label ending at its field, and the mail address in the middle below.
+    // wide "Cell : " label ending at its field, and the mail address, caption and value as
+    // one unit, in the middle below.
     return design(QStringLiteral("RptLetterHead2"), QStringLiteral("Letterhead"), QStringLiteral("cmdLetterHead"),
                   reportHeader(), pageHeader(0),
                   detail("cmdLetterHead", 122, {
@@ -217,16 +240,16 @@ ReportDesign RptLetterHead2() {
                       box  ("txtAdd1",     "Add1",       0, 32, W,   14, Fixed, kLhLine, Align::Center),
                       box  ("txtAdd2",     "Add2",       0, 46, W,   14, Fixed, kLhLine, Align::Center),
                       box  ("txtAdd3",     "Add3",       0, 60, W,   14, Fixed, kLhLine, Align::Center),
-                      // The rows below count from the middle of the body, so they stay
-                      // centred under the name on any paper.
+                      // The row below counts from the middle of the body, so it stays centred
+                      // under the name on any paper.
                       mid(heading("Label2",  "Cell : ", -220, 80,  72, 14, kLhLabel, Align::Right)),
-                      mid(box  ("txtCell",   "Cell",    -146, 80, 112, 14, Fixed, kLhValue)),
-                      mid(heading("Label1",  "Phone :",  -30, 80,  44, 14, kLhLabel)),
-                      mid(box  ("txtPhone",  "Phone",     16, 80, 104, 14, Fixed, kLhValue)),
-                      mid(heading("Label3",  "Fax :",    124, 80,  30, 14, kLhLabel)),
-                      mid(box  ("txtFax",    "Fax",      156, 80,  87, 14, Fixed, kLhValue)),
-                      mid(heading("Label4",  "Email :",  -94, 96,  44, 14, kLhLabel, Align::Right)),
-                      mid(box  ("txtEmail",  "Email",    -48, 96, 200, 14, Fixed, kLhValue)),
+                      mid(box  ("txtCell",   "Cell",    -148 + kLhGap, 80, 110, 14, Fixed, kLhValue)),
+                      mid(heading("Label1",  "Phone :",  -31, 80,  33, 14, kLhLabel, Align::Right)),
+                      mid(box  ("txtPhone",  "Phone",      2 + kLhGap, 80, 110, 14, Fixed, kLhValue)),
+                      mid(heading("Label3",  "Fax :",    121, 80,  23, 14, kLhLabel, Align::Right)),
+                      mid(box  ("txtFax",    "Fax",      144 + kLhGap, 80,  96, 14, Fixed, kLhValue)),
+                      centredWith(heading("Label4", "Email :", 0, 96, 32, 14, kLhLabel), "txtEmail", kLhGap),
+                      box  ("txtEmail",    "Email",     32 + kLhGap, 96, W,   14, Fixed, kLhValue),
                       rule ("Line1",                   116, 0, W, 1.2),
                   }),
                   letterFooter(), reportFooter());

@@ -3,16 +3,26 @@
 #include "datastore/Errors.h"
 #include "platform/Error.h"
 
+#include <QFile>
 #include <QFont>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QImage>
 #include <QLocale>
 #include <QPageSize>
 #include <QPainter>
 #include <QPrinterInfo>
+#include <QRawFont>
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
+
+// The report faces are compiled into this static library; its resources are registered by
+// hand, since nothing else refers to them.
+static void initReportFonts() {
+    Q_INIT_RESOURCE(report_fonts);
+}
 
 namespace reports {
 
@@ -41,23 +51,93 @@ const QPaintDevice& measureDevice() {
     return device;
 }
 
-QFont qfont(const FontSpec& spec) {
-    QFont font;
-    font.setFamilies(spec.serif ? QStringList{QStringLiteral("Liberation Serif"),
-                                              QStringLiteral("Nimbus Roman"), QStringLiteral("DejaVu Serif")}
-                                : QStringList{QStringLiteral("Liberation Sans"),
-                                              QStringLiteral("Nimbus Sans"), QStringLiteral("DejaVu Sans")});
-    font.setStyleHint(spec.serif ? QFont::Serif : QFont::SansSerif);
+// The faces the reports are set in ship inside the program (see CMakeLists.txt), so that a
+// page measures, previews, exports and prints alike on every machine, whatever fonts the
+// machine holds. Each face is registered on first use, named by the family Qt reports for it,
+// and checked to be the very face that was loaded: a machine font of the same name but
+// another version must not slip in.
+QString faceName(const FontSpec& spec) {
+    QString name = spec.serif ? QStringLiteral("Liberation Serif") : QStringLiteral("Liberation Sans");
+    if (spec.bold)
+        name += QStringLiteral(" Bold");
+    if (spec.italic)
+        name += QStringLiteral(" Italic");
+    return name;
+}
+
+QString facePath(const FontSpec& spec) {
+    const QString style = spec.bold && spec.italic ? QStringLiteral("BoldItalic")
+                          : spec.bold              ? QStringLiteral("Bold")
+                          : spec.italic            ? QStringLiteral("Italic")
+                                                   : QStringLiteral("Regular");
+    return QStringLiteral(":/reports/fonts/Liberation%1-%2.ttf")
+        .arg(spec.serif ? QStringLiteral("Serif") : QStringLiteral("Sans"), style);
+}
+
+[[noreturn]] void faceFailed(const FontSpec& spec) {
+    throw platform::Error(platform::ErrFileNotFound,
+                          QStringLiteral("The report font '%1' could not be loaded.").arg(faceName(spec)));
+}
+
+QFont loadFace(const FontSpec& spec) {
+    static const bool prepared = [] {
+        initReportFonts();
+        // The machine's fonts are read first: a face added after them takes the place of a
+        // machine font of the same family, maker and style, while one added before is
+        // displaced when Qt reads them.
+        QFontDatabase::families();
+        return true;
+    }();
+    Q_UNUSED(prepared);
+    QFile file(facePath(spec));
+    if (!file.open(QIODevice::ReadOnly))
+        faceFailed(spec);
+    const QByteArray data = file.readAll();
+    const QRawFont loaded(data, 12);
+    const int id = QFontDatabase::addApplicationFontFromData(data);
+    const QStringList families = id < 0 ? QStringList() : QFontDatabase::applicationFontFamilies(id);
+    if (!loaded.isValid() || families.isEmpty())
+        faceFailed(spec);
+    const QString family = families.first();
+    // When a machine font of another maker bears the same family name, Qt lists the family
+    // once per maker, as "Family [Maker]": the name to use is the one that resolves to the
+    // face loaded, which is checked down to its header (the revision and the date the face
+    // was made).
+    QStringList names{family};
+    for (const QString& listed : QFontDatabase::families())
+        if (listed.startsWith(family + QStringLiteral(" [")))
+            names << listed;
+    for (const QString& name : std::as_const(names)) {
+        QFont font(name);
+        font.setBold(spec.bold);
+        font.setItalic(spec.italic);
+        // Unhinted glyphs scale linearly, so preview, PDF and paper break lines alike.
+        font.setHintingPreference(QFont::PreferNoHinting);
+        const QRawFont resolved = QRawFont::fromFont(font);
+        if (resolved.isValid() && QFontInfo(font).family() == name &&
+            resolved.fontTable("head") == loaded.fontTable("head"))
+            return font;
+    }
+    faceFailed(spec);
+}
+
+} // namespace
+
+QFont reportFont(const FontSpec& spec) {
+    static QHash<int, QFont> faces;
+    const int key = (spec.serif ? 4 : 0) | (spec.bold ? 2 : 0) | (spec.italic ? 1 : 0);
+    auto it = faces.find(key);
+    if (it == faces.end())
+        it = faces.insert(key, loadFace(spec));
+    QFont font = *it;
     font.setPointSizeF(spec.pointSize);
-    font.setBold(spec.bold);
-    font.setItalic(spec.italic);
-    // Unhinted glyphs scale linearly, so the preview, the PDF and the paper break lines alike.
-    font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
 
+namespace {
+
 double advance(const QString& text, const FontSpec& spec) {
-    return QFontMetricsF(qfont(spec), &measureDevice()).horizontalAdvance(text) / kMeasureScale;
+    return QFontMetricsF(reportFont(spec), &measureDevice()).horizontalAdvance(text) / kMeasureScale;
 }
 
 } // namespace
@@ -154,12 +234,12 @@ PageSetup PageSetup::systemDefault() {
 // ---- measuring -------------------------------------------------------------------------
 
 double lineHeight(const FontSpec& font) {
-    return QFontMetricsF(qfont(font), &measureDevice()).lineSpacing() / kMeasureScale;
+    return QFontMetricsF(reportFont(font), &measureDevice()).lineSpacing() / kMeasureScale;
 }
 
 QStringList wrapText(const QString& text, const FontSpec& spec, double width) {
     QStringList lines;
-    const QFont font = qfont(spec);
+    const QFont font = reportFont(spec);
     QString normalised = text;
     normalised.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
         .replace(QLatin1Char('\r'), QLatin1Char('\n'));
@@ -188,20 +268,44 @@ QStringList wrapText(const QString& text, const FontSpec& spec, double width) {
     return lines;
 }
 
-QString clipToWidth(const QString& text, const FontSpec& font, double width) {
-    QString line = text.section(QLatin1Char('\n'), 0, 0);
-    line.remove(QLatin1Char('\r'));
-    if (advance(line, font) <= width)
-        return line;
+namespace {
+
+const QChar kCutMark(0x2026); // "…", ending a text that its box could not hold
+
+QString withoutTrailingBlanks(QString text) {
+    while (!text.isEmpty() && text.back().isSpace())
+        text.chop(1);
+    return text;
+}
+
+// The longest start of `line` that fits `width` together with the mark of the cut.
+QString cutWithMark(const QString& line, const FontSpec& font, double width) {
+    const auto marked = [&](int n) { return withoutTrailingBlanks(line.left(n)) + kCutMark; };
     int lo = 0, hi = int(line.size());
     while (lo < hi) {
         const int mid = (lo + hi + 1) / 2;
-        if (advance(line.left(mid), font) <= width)
+        if (advance(marked(mid), font) <= width)
             lo = mid;
         else
             hi = mid - 1;
     }
-    return line.left(lo);
+    if (lo > 0 && line[lo - 1].isHighSurrogate())
+        --lo;
+    return marked(lo);
+}
+
+} // namespace
+
+QString clipToWidth(const QString& text, const FontSpec& font, double width) {
+    QString normalised = text;
+    normalised.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+        .replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    const qsizetype end = normalised.indexOf(QLatin1Char('\n'));
+    const QString line = end < 0 ? normalised : normalised.left(end);
+    const bool moreLines = end >= 0 && !normalised.mid(end).trimmed().isEmpty();
+    if (!moreLines && advance(line, font) <= width)
+        return line;
+    return cutWithMark(line, font, width);
 }
 
 // ---- layout ----------------------------------------------------------------------------
@@ -230,8 +334,10 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
         const Control* control;
         double left;
         double width;
+        Align align;
+        QString text;
         QStringList lines;
-        double lineHeight;
+        double lineHeight = 0;
         double growth = 0;
         double shift = 0;
     };
@@ -239,27 +345,61 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
     placed.reserve(n);
     double designBottom = 0;
     for (const Control& c : section.controls) {
-        Placed p{&c, controlLeft(c, bodyWidth), controlWidth(c, bodyWidth), {}, 0};
+        Placed p{&c, controlLeft(c, bodyWidth), controlWidth(c, bodyWidth), c.align, {}, {}};
         designBottom = std::max(designBottom, c.top + c.height);
         if (c.kind != ControlKind::Line) {
-            const QString text = c.kind == ControlKind::Label ? c.caption
-                                 : data                       ? data->value(row, c.dataField)
-                                                              : QString();
+            p.text = c.kind == ControlKind::Label ? c.caption
+                     : data                       ? data->value(row, c.dataField)
+                                                  : QString();
             p.lineHeight = lineHeight(c.font);
             if (c.canGrow) {
-                p.lines = wrapText(text, c.font, p.width);
+                p.lines = wrapText(p.text, c.font, p.width);
                 p.growth = std::max(0.0, p.lines.size() * p.lineHeight - c.height);
             } else if (c.height >= 2 * p.lineHeight) {
-                // A fixed box of several lines wraps inside itself and clips below.
-                p.lines = wrapText(text, c.font, p.width);
+                // A fixed box of several lines wraps inside itself; what it cannot hold is cut
+                // with a mark at the end of its last line.
+                p.lines = wrapText(p.text, c.font, p.width);
                 const int fit = std::max(1, int(std::floor(c.height / p.lineHeight + 1e-6)));
-                while (p.lines.size() > fit)
-                    p.lines.removeLast();
+                if (p.lines.size() > fit) {
+                    const bool lost = std::any_of(p.lines.begin() + fit, p.lines.end(),
+                                                  [](const QString& l) { return !l.isEmpty(); });
+                    p.lines.resize(fit);
+                    if (lost)
+                        p.lines.last() = cutWithMark(p.lines.last(), c.font, p.width);
+                }
             } else {
-                p.lines = QStringList{clipToWidth(text, c.font, p.width)};
+                p.lines = QStringList{clipToWidth(p.text, c.font, p.width)};
             }
         }
         placed.append(p);
+    }
+
+    // A control centred with a partner: the two stand side by side as one unit, each as wide
+    // as its text and the gap between them, centred in the span of their two design boxes.
+    for (Placed& first : placed) {
+        const Control& c = *first.control;
+        if (c.centredWith.isEmpty())
+            continue;
+        const auto partner = std::find_if(placed.begin(), placed.end(), [&](const Placed& q) {
+            return q.control->name.compare(c.centredWith, Qt::CaseInsensitive) == 0;
+        });
+        if (partner == placed.end())
+            notFound(c.centredWith);
+        Placed& second = *partner;
+        const double spanLeft = std::min(first.left, second.left);
+        const double span = std::max(first.left + first.width, second.left + second.width) - spanLeft;
+        first.lines = {withoutTrailingBlanks(clipToWidth(first.text, c.font, span))};
+        const double firstWidth = advance(first.lines[0], c.font);
+        const double room = std::max(0.0, span - firstWidth - c.unitGap);
+        second.lines = {withoutTrailingBlanks(clipToWidth(second.text, second.control->font, room))};
+        const double secondWidth =
+            second.lines[0].isEmpty() ? 0.0 : advance(second.lines[0], second.control->font);
+        const double unit = firstWidth + (secondWidth > 0 ? c.unitGap + secondWidth : 0.0);
+        first.left = spanLeft + std::max(0.0, span - unit) / 2;
+        first.width = firstWidth;
+        second.left = first.left + firstWidth + c.unitGap;
+        second.width = secondWidth;
+        first.align = second.align = Align::Left;
     }
 
     // A box that grows pushes down whatever stands below it in the same columns.
@@ -309,7 +449,7 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
             item.rect = QRectF(p.left, top + k * p.lineHeight, p.width, p.lineHeight);
             item.text = p.lines[k];
             item.font = c.font;
-            item.align = c.align;
+            item.align = p.align;
             band.items.append(item);
         }
     }
@@ -490,13 +630,16 @@ void paintPage(QPainter& painter, const Page& page) {
             continue;
         }
         painter.setPen(Qt::black);
-        painter.setFont(qfont(item.font));
+        painter.setFont(reportFont(item.font));
         const QRectF r(item.rect.left() * sx, item.rect.top() * sy, item.rect.width() * sx,
                        item.rect.height() * sy);
         const int align = item.align == Align::Center  ? Qt::AlignHCenter
                           : item.align == Align::Right ? Qt::AlignRight
                                                        : Qt::AlignLeft;
-        painter.drawText(r, align | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, item.text);
+        // Right-aligned text ends with its last letter at the box's edge, whatever blanks the
+        // caption has behind it.
+        const QString shown = item.align == Align::Right ? withoutTrailingBlanks(item.text) : item.text;
+        painter.drawText(r, align | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, shown);
     }
     painter.restore();
 }

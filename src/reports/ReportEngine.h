@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 
+class QFont;
 class QPainter;
 class QPaintDevice;
 class QImage;
@@ -46,7 +47,12 @@ class Control {
     FontSpec font;
     Align align = Align::Left;
     Anchor anchor = Anchor::Left;
-    bool canGrow = false;   // the box grows to hold its text and pushes the band down
+    bool canGrow = false; // the box grows to hold its text and pushes the band down
+    // Names a control that this one is centred with as one unit: both keep one line, each
+    // as wide as its text, `unitGap` points apart, and the pair stands centred in the span
+    // of their two design boxes (a caption and its value in a centred head, say).
+    QString centredWith;
+    double unitGap = 0;
     double lineWidth = 0.8; // Line only, in points
 
     const QString& Caption() const { return caption; }
@@ -168,9 +174,16 @@ void paintPage(QPainter& painter, const Page& page);
 // A page as an image at the given resolution, white paper.
 QImage renderPage(const LaidOutReport& report, int pageIndex, double dotsPerInch);
 
+// The font a spec is measured and painted in: one of the faces that ship with the program,
+// loaded on first use. Throws platform::Error ("The report font '...' could not be loaded.")
+// when the face cannot be loaded or the name resolves to another face.
+QFont reportFont(const FontSpec& spec);
+
 // Text measurement shared by layout and tests, in points.
 double lineHeight(const FontSpec& font);
 QStringList wrapText(const QString& text, const FontSpec& font, double width);
+// The first line of the text as a one-line box of that width prints it: cut, and ended with
+// the mark "…", when it is too wide or further lines of the text are lost.
 QString clipToWidth(const QString& text, const FontSpec& font, double width);
 
 } // namespace reports

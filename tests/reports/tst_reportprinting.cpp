@@ -219,4 +219,4 @@ void TestReportPrinting::previewNavigatesZoomsSavesAndPrints() {
 }
 
 QTEST_MAIN(TestReportPrinting)
-#include "tst_ReportPrinting.moc"
+#include "tst_reportprinting.moc"

@@ -3,8 +3,10 @@
 #include "reports/ReportDesigns.h"
 #include "reports/ReportPreview.h"
 
+#include <QFontInfo>
 #include <QPrinter>
 #include <QProcess>
+#include <QRawFont>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -111,6 +113,80 @@ MemoryData personal() {
     return d;
 }
 
+// Data as long as an office really types it: a firm name of 50 letters, a mail address and
+// address lines of 40, a link of 120 without a blank, criteria of 40 letters each.
+const QString kFirm = QStringLiteral("Okonkwo-Lindqvist Halvorsen & Partners Consultants");
+const QString kMail = QStringLiteral("margareta.okonkwo-lindqvist@halvorsen.no");
+const QStringList kAddress = {QStringLiteral("Unit 7, 2nd Floor, Harbour Business Park"),
+                              QStringLiteral("Harbourside Commercial Park, Block C-14A"),
+                              QStringLiteral("Port Ellis 4410, Greater Kingsbridge, UK")};
+const QString kPhone = QStringLiteral("+44 (0)20 7946 0018");
+const QString kLink = QStringLiteral("https://docs.example.com/document/d/"
+                                     "1AbCdEfGhIjKlMnOpQrStUvWxYz0123456789aBcDeFgHiJkLmNoPqRsTuVwXyZ9876/"
+                                     "edit?usp=sharing");
+
+MemoryData personalInFull() {
+    MemoryData d;
+    d.addRow({{"ID", "1"},
+              {"FullName", kFirm},
+              {"Add1", kAddress[0]},
+              {"Add2", kAddress[1]},
+              {"Add3", kAddress[2]},
+              {"Phone", kPhone},
+              {"Cell", "+44 (0)7700 900 123"},
+              {"Fax", "+44 (0)20 7946 0019"},
+              {"Email", kMail}});
+    return d;
+}
+
+MemoryData contactsInFull() {
+    MemoryData d = contacts();
+    d.addRow({{"FullName", "Margareta Okonkwo-Lindqvist"},
+              {"Add1", kAddress[0]},
+              {"Add2", kAddress[1]},
+              {"Add3", kAddress[2]},
+              {"Phone", kPhone},
+              {"Cell", "+44 (0)7700 900 123"},
+              {"Fax", "+44 (0)20 7946 0019"},
+              {"Email", kMail},
+              {"Remarks", "Partner; signs the annual accounts"}});
+    return d;
+}
+
+MemoryData referencesInFull() {
+    MemoryData d;
+    d.addRow({{"RefName", "Budget of the building project"},
+              {"Particulars", "The shared sheet"},
+              {"OnlineLink", kLink}});
+    d.addRow({{"RefName", "Tax office"},
+              {"Particulars", "Online returns and payment of advance tax"},
+              {"OnlineLink", "https://tax.example.gov/e-filing"}});
+    return d;
+}
+
+// The query line of a search on all eleven criteria, each text 40 letters long, as the search
+// screen words it.
+QString queryOfAllCriteria() {
+    const QStringList v = {
+        "Accounts payable and receivable register", "Correspondence with suppliers and agents",
+        "Purchase invoices for the office chairs.", "Quarterly statements of the pension fund",
+        "Signed agreement for the warehouse lease", "Second drawer, red folder behind the tax",
+        "Original kept by the auditor until March", "Renewal of the fire insurance for the sh",
+        "ARCHIVE/2019/LONG-NUMBER-25/BOX-14/SHELF"};
+    return QStringList{"Doc. Type : " + v[0],
+                       "Doc. Category : " + v[1],
+                       "Doc. Sub-Category : " + v[2],
+                       "Doc. Child Category : " + v[3],
+                       "Doc. Title 1 : " + v[4],
+                       "Doc. Title 2 : " + v[5],
+                       "Bookmark : " + v[6],
+                       "Remarks : " + v[7],
+                       "Document date between : 01-Jan-2024 and 31-Mar-2024",
+                       "Follow-up date between : 01-Jan-2024 and 31-Mar-2024",
+                       "File Number : " + v[8]}
+        .join(' ');
+}
+
 std::unique_ptr<Report> makeReport(ReportDesign design, const MemoryData& rows, const PageSetup& setup) {
     auto report =
         std::make_unique<Report>(std::move(design), [rows] { return std::make_unique<MemoryData>(rows); });
@@ -118,14 +194,15 @@ std::unique_ptr<Report> makeReport(ReportDesign design, const MemoryData& rows, 
     return report;
 }
 
-void setSearchCaptions(Report& report) {
-    report.Sections("ReportHeader")
-        .Controls("lblQuery")
-        .setCaption("Doc. Date between 01-Jan-2024 and 31-Mar-2024 and Title 1 containing 'invoice' and "
-                    "Bookmark containing "
-                    "'drawer' and File Number is 'F-003' and Document Type is 'Accounts' and Category is "
-                    "'Suppliers' and "
-                    "Sub-category is 'Stationery' and Child category is 'Paper'");
+const QString kLongQuery =
+    QStringLiteral("Doc. Date between 01-Jan-2024 and 31-Mar-2024 and Title 1 containing 'invoice' and "
+                   "Bookmark containing "
+                   "'drawer' and File Number is 'F-003' and Document Type is 'Accounts' and Category is "
+                   "'Suppliers' and "
+                   "Sub-category is 'Stationery' and Child category is 'Paper'");
+
+void setSearchCaptions(Report& report, const QString& query = kLongQuery) {
+    report.Sections("ReportHeader").Controls("lblQuery").setCaption(query);
     report.Sections("PageHeader").Controls("lblDocTitle1").setCaption("Doc. Title 1 /");
     report.Sections("PageHeader").Controls("lblDocTitle2").setCaption("Doc. Title 2");
 }
@@ -158,6 +235,27 @@ const PageItem* find(const Page& page, const QString& control) {
     return nullptr;
 }
 
+const PageItem* findLast(const Page& page, const QString& control) {
+    const PageItem* last = nullptr;
+    for (const auto& item : page.items)
+        if (item.control == control)
+            last = &item;
+    return last;
+}
+
+QString withoutBlanks(QString text) {
+    return text.remove(QRegularExpression(QStringLiteral("\\s")));
+}
+
+// The control printed all of the text, on as many lines as it took, and marked no cut.
+void checkPrintsWhole(const Page& page, const QString& control, const QString& text) {
+    const QStringList lines = page.textOf(control);
+    QVERIFY2(!lines.isEmpty(), qPrintable(control));
+    for (const QString& line : lines)
+        QVERIFY2(!line.contains(QChar(0x2026)), qPrintable(control + ": " + line));
+    QCOMPARE(withoutBlanks(lines.join(QString())), withoutBlanks(text));
+}
+
 } // namespace
 
 class TestReportDesigns : public QObject {
@@ -171,6 +269,11 @@ class TestReportDesigns : public QObject {
     void contactListNumbersItsPagesDifferently();
     void searchReportPrintsTheCaptionsSetAtRunTime();
     void letterheadsDifferInAlignmentAndCellLabel();
+    void reportsAreSetInTheFacesTheyShip();
+    void letterheadsPrintLongNamesAndAddressesWhole();
+    void searchReportPrintsEveryHeadingAndTheWholeQuery();
+    void contactListPrintsAddressLinesOfFortyLetters();
+    void internetReferencesPrintALinkOf120Letters();
     void fileListPdfReadsBack();
     void writesSamplePdfsWhenAsked();
 };
@@ -376,6 +479,159 @@ void TestReportDesigns::letterheadsDifferInAlignmentAndCellLabel() {
                  name);
 }
 
+void TestReportDesigns::reportsAreSetInTheFacesTheyShip() {
+    // Every face a design uses is the file the program carries, whatever the machine holds of
+    // the same name (CTest runs this also with no machine fonts, and with machine fonts that
+    // take the faces' names).
+    QSet<QString> seen;
+    for (const char* name : {"RptFileList", "RptInternetRef", "RptContactList", "rptSearchReport",
+                             "RptLetterHead", "RptLetterHead2"})
+        for (const Section& section : designs::byName(name).sections)
+            for (const Control& control : section.controls) {
+                if (control.kind == ControlKind::Line)
+                    continue;
+                const FontSpec spec = control.font;
+                const QString file = QStringLiteral(":/reports/fonts/Liberation%1-%2.ttf")
+                                         .arg(spec.serif ? "Serif" : "Sans", spec.bold ? "Bold" : "Regular");
+                if (seen.contains(file))
+                    continue;
+                seen.insert(file);
+                QVERIFY(!spec.italic);
+                const QFont font = reportFont(spec);
+                QFile shipped(file);
+                QVERIFY2(shipped.open(QIODevice::ReadOnly), qPrintable(file));
+                const QRawFont loaded(shipped.readAll(), spec.pointSize);
+                QCOMPARE(loaded.familyName(),
+                         spec.serif ? QString("Liberation Serif") : QString("Liberation Sans"));
+                const QRawFont used = QRawFont::fromFont(font);
+                QCOMPARE(used.familyName(), QFontInfo(font).family());
+                QVERIFY(used.fontTable("head") == loaded.fontTable("head"));
+                QVERIFY(used.fontTable("hmtx") == loaded.fontTable("hmtx"));
+                QCOMPARE(QFontInfo(font).bold(), spec.bold);
+                QCOMPARE(font.pointSizeF(), spec.pointSize);
+            }
+    QCOMPARE(seen.size(), 4);
+    // The faces' licence travels with them.
+    QFile licence(":/reports/fonts/COPYRIGHT");
+    QVERIFY(licence.open(QIODevice::ReadOnly));
+    QVERIFY(licence.readAll().contains("SIL Open Font License"));
+}
+
+void TestReportDesigns::letterheadsPrintLongNamesAndAddressesWhole() {
+    QCOMPARE(kFirm.size(), 50);
+    QCOMPARE(kMail.size(), 40);
+    for (const PageSetup& setup : {PageSetup::a4(), PageSetup::letter()}) {
+        const auto left = layoutReport(designs::RptLetterHead(), personalInFull(), setup);
+        const auto centred = layoutReport(designs::RptLetterHead2(), personalInFull(), setup);
+        checkInsideMargins(left);
+        checkInsideMargins(centred);
+        const Page& l = left.pages[0];
+        const Page& c = centred.pages[0];
+        for (const Page* page : {&l, &c}) {
+            QCOMPARE(page->textOf("txtFullName"), QStringList{kFirm});
+            QCOMPARE(page->textOf("txtAdd1"), QStringList{kAddress[0]});
+            QCOMPARE(page->textOf("txtAdd2"), QStringList{kAddress[1]});
+            QCOMPARE(page->textOf("txtAdd3"), QStringList{kAddress[2]});
+            QCOMPARE(page->textOf("txtPhone"), QStringList{kPhone});
+            QCOMPARE(page->textOf("txtCell"), QStringList{"+44 (0)7700 900 123"});
+            QCOMPARE(page->textOf("txtFax"), QStringList{"+44 (0)20 7946 0019"});
+            QCOMPARE(page->textOf("txtEmail"), QStringList{kMail});
+            // Each caption ends just before its value, the same gap for all of them.
+            const double gap = find(*page, "txtCell")->rect.left() - find(*page, "Label2")->rect.right();
+            QVERIFY(gap > 1 && gap < 4);
+            for (const auto& [caption, value] :
+                 {std::pair{"Label1", "txtPhone"}, std::pair{"Label3", "txtFax"},
+                  std::pair{"Label4", "txtEmail"}}) {
+                // Captions end at their box (right-aligned) or are as wide as their text.
+                const PageItem* label = find(*page, caption);
+                if (label->align != Align::Right)
+                    QVERIFY(clipToWidth(label->text, label->font, label->rect.width() - 0.5) != label->text);
+                QVERIFY2(std::abs(find(*page, value)->rect.left() - label->rect.right() - gap) < 0.01,
+                         caption);
+            }
+        }
+        // The left head's mail address may run to the right margin.
+        QCOMPARE(find(l, "txtEmail")->rect.right(), setup.paper.width() - setup.marginRight);
+        // On the centred head the mail caption and address stand as one unit in the middle,
+        // each as wide as its text.
+        const PageItem* caption = find(c, "Label4");
+        const PageItem* mail = find(c, "txtEmail");
+        const double middle = setup.paper.width() / 2;
+        QVERIFY(std::abs((caption->rect.left() + mail->rect.right()) / 2 - middle) < 0.01);
+        QCOMPARE(clipToWidth(kMail, mail->font, mail->rect.width() + 0.01), kMail);
+        QVERIFY(clipToWidth(kMail, mail->font, mail->rect.width() - 2) != kMail);
+    }
+}
+
+void TestReportDesigns::searchReportPrintsEveryHeadingAndTheWholeQuery() {
+    const QString query = queryOfAllCriteria();
+    for (const PageSetup& setup : {PageSetup::a4(), PageSetup::letter()}) {
+        auto report = makeReport(designs::rptSearchReport(), searchRows(), setup);
+        setSearchCaptions(*report, query);
+        report->Refresh();
+        const LaidOutReport& laid = report->pages();
+        checkInsideMargins(laid);
+        const Page& first = laid.pages[0];
+        QCOMPARE(first.textOf("Label2"), QStringList{"Query:"});
+        checkPrintsWhole(first, "lblQuery", query);
+        QVERIFY(first.textOf("lblQuery").size() > 3);
+        // The headings stand below the whole query, on the first page as on the others.
+        QVERIFY(find(first, "Line2")->rect.top() >= findLast(first, "lblQuery")->rect.bottom());
+        QVERIFY(laid.pages.size() >= 2);
+        for (const Page& page : laid.pages) {
+            QCOMPARE(page.textOf("lblDocTitle1"), QStringList{"Doc. Title 1 /"});
+            QCOMPARE(page.textOf("lblDocTitle2"), QStringList{"Doc. Title 2"});
+            QCOMPARE(page.textOf("Label3"), (QStringList{"Doc. Dt /", "Follow-Up Dt."}));
+            QCOMPARE(page.textOf("Label5").join(' '), QString("Bookmark / Remarks:"));
+            QCOMPARE(page.textOf("Label4").join(' '), QString("File Number / File Path"));
+            // Each heading stands over its column.
+            QVERIFY(find(page, "Label3")->rect.left() >= find(first, "txtDocDate")->rect.left() - 0.01);
+            QVERIFY(find(page, "Label3")->rect.right() <= find(first, "txtBookmark")->rect.left());
+        }
+    }
+}
+
+void TestReportDesigns::contactListPrintsAddressLinesOfFortyLetters() {
+    for (const QString& line : kAddress)
+        QCOMPARE(line.size(), 40);
+    for (const PageSetup& setup : {PageSetup::a4(), PageSetup::letter()}) {
+        const auto laid = layoutReport(designs::RptContactList(), contactsInFull(), setup);
+        checkInsideMargins(laid);
+        const Page& page = laid.pages.last();
+        QCOMPARE(page.textOf("txtAdd1").last(), kAddress[0]);
+        QCOMPARE(page.textOf("txtAdd2").last(), kAddress[1]);
+        QCOMPARE(page.textOf("txtAdd3").last(), kAddress[2]);
+        QCOMPARE(page.textOf("txtPhone").last(), kPhone);
+        QCOMPARE(page.textOf("txtFax").last(), QString("+44 (0)20 7946 0019"));
+        QVERIFY(page.textOf("txtEmail").join(QString()).endsWith(kMail));
+        // The address column ends before the contact details begin.
+        QVERIFY(findLast(page, "txtAdd1")->rect.right() < findLast(page, "Label7")->rect.left());
+        QVERIFY(find(page, "Label3")->rect.left() == find(page, "txtAdd1")->rect.left());
+    }
+}
+
+void TestReportDesigns::internetReferencesPrintALinkOf120Letters() {
+    QCOMPARE(kLink.size(), 120);
+    for (const PageSetup& setup : {PageSetup::a4(), PageSetup::letter()}) {
+        const auto laid = layoutReport(designs::RptInternetRef(), referencesInFull(), setup);
+        checkInsideMargins(laid);
+        const Page& page = laid.pages[0];
+        const QStringList link = page.textOf("txtOnlineLink");
+        // The link takes three lines of its column at most, broken where it must.
+        QVERIFY(link.size() >= 4 && link.size() <= 3 + 1);
+        QCOMPARE(link.mid(0, link.size() - 1).join(QString()), kLink);
+        QCOMPARE(link.last(), QString("https://tax.example.gov/e-filing"));
+        QVector<const PageItem*> lines;
+        for (const auto& item : page.items)
+            if (item.control == "txtOnlineLink")
+                lines << &item;
+        for (const PageItem* line : lines)
+            QVERIFY(line->rect.left() == find(page, "Label3")->rect.left());
+        // The next reference starts below the link's last line.
+        QVERIFY(findLast(page, "txtRefName")->rect.top() >= lines[lines.size() - 2]->rect.bottom() - 0.01);
+    }
+}
+
 void TestReportDesigns::fileListPdfReadsBack() {
     QTemporaryDir dir;
     auto report = makeReport(designs::RptFileList(), files(), PageSetup::letter());
@@ -424,6 +680,22 @@ void TestReportDesigns::writesSamplePdfsWhenAsked() {
         {"RptFileList", files()},          {"RptInternetRef", references()}, {"RptContactList", contacts()},
         {"rptSearchReport", searchRows()}, {"RptLetterHead", personal()},    {"RptLetterHead2", personal()},
     };
+    // And the reports with data as long as an office types it.
+    const QList<QPair<QString, MemoryData>> inFull = {
+        {"RptInternetRef", referencesInFull()}, {"RptContactList", contactsInFull()},
+        {"rptSearchReport", searchRows()},      {"RptLetterHead", personalInFull()},
+        {"RptLetterHead2", personalInFull()},
+    };
+    for (const auto& [name, rows] : inFull)
+        for (const auto& [paper, setup] :
+             {std::pair{"A4", PageSetup::a4()}, std::pair{"Letter", PageSetup::letter()}}) {
+            auto report = makeReport(designs::byName(name), rows, setup);
+            if (name == "rptSearchReport")
+                setSearchCaptions(*report, queryOfAllCriteria());
+            report->Refresh();
+            QVERIFY(
+                report->exportPdf(QDir(folder).filePath(QStringLiteral("%1-full-%2.pdf").arg(name, paper))));
+        }
     for (const auto& [name, rows] : all)
         for (const auto& [paper, setup] :
              {std::pair{"A4", PageSetup::a4()}, std::pair{"Letter", PageSetup::letter()}}) {
@@ -442,4 +714,4 @@ void TestReportDesigns::writesSamplePdfsWhenAsked() {
 }
 
 QTEST_MAIN(TestReportDesigns)
-#include "tst_ReportDesigns.moc"
+#include "tst_reportdesigns.moc"

@@ -58,6 +58,9 @@ class TestReportEngine : public QObject {
     void growingBoxPushesItsBandAndTheControlsBelow();
     void bandThatDoesNotFitMovesToTheNextPage();
     void oneLineBoxesClip();
+    void fixedBoxesOfSeveralLinesMarkTheCut();
+    void captionAndValueCentredAsOneUnit();
+    void aFaceThatDoesNotShipIsAClearError();
     void textLongerThanAPageIsSplitAndEnds();
     void emptyDataPrintsHeadingsOnly();
     void headersFillingThePageStillEnd();
@@ -169,9 +172,108 @@ void TestReportEngine::oneLineBoxesClip() {
     const QStringList no = laid.pages[0].textOf("txtNo");
     QCOMPARE(no.size(), 1);
     QVERIFY(no[0].size() < longNumber.size());
-    QVERIFY(longNumber.startsWith(no[0]));
-    QVERIFY(!no[0].isEmpty());
-    QCOMPARE(laid.pages[0].textOf("txtBelow"), QStringList{"first line"});
+    // What is cut ends with a mark, and what stands before it is the start of the text.
+    QVERIFY(no[0].endsWith(QChar(0x2026)));
+    QVERIFY(longNumber.startsWith(no[0].chopped(1)));
+    QVERIFY(no[0].size() > 1);
+    QVERIFY(clipToWidth(no[0].chopped(1), kBody, 60) == no[0].chopped(1));
+    QCOMPARE(laid.pages[0].textOf("txtBelow"), QStringList{QStringLiteral("first line\u2026")});
+    // A text that fits, or whose further lines are blank, prints as it is.
+    QCOMPARE(clipToWidth(QStringLiteral("F-001"), kBody, 60), QStringLiteral("F-001"));
+    QCOMPARE(clipToWidth(QStringLiteral("F-001\r\n  "), kBody, 60), QStringLiteral("F-001"));
+}
+
+void TestReportEngine::fixedBoxesOfSeveralLinesMarkTheCut() {
+    // A fixed box three lines high: it wraps inside itself and marks what it cannot hold.
+    ReportDesign d = listDesign();
+    d.Sections("cmdTest_Detail").controls = {reports::textBox("txtBox", "Text", 0, 0, 120, 36, false, kBody)};
+    const double lines = 36 / lineHeight(kBody);
+    QVERIFY(lines >= 3 && lines < 4);
+    const auto boxLines = [&](const QString& text) {
+        MemoryData data;
+        data.addRow({{"Text", text}});
+        const auto laid = layoutReport(d, data, PageSetup::a4());
+        for (const auto& item : laid.pages[0].items)
+            if (item.control == "txtBox")
+                [&] { QVERIFY2(clipToWidth(item.text, kBody, 120) == item.text, qPrintable(item.text)); }();
+        return laid.pages[0].textOf("txtBox");
+    };
+    const QStringList cut = boxLines(words(40));
+    QCOMPARE(cut.size(), 3);
+    QVERIFY(cut.last().endsWith(QChar(0x2026)));
+    QVERIFY(words(40).startsWith(cut.join(' ').chopped(1).trimmed()));
+    // Text that the box holds keeps all its words, and a text without blanks breaks anywhere.
+    QCOMPARE(boxLines(words(6)).join(' '), words(6));
+    const QString token = QStringLiteral("https://example.com/d/") + QString(30, QLatin1Char('x'));
+    const QStringList broken = boxLines(token);
+    QVERIFY(broken.size() > 1);
+    QCOMPARE(broken.join(QString()), token);
+}
+
+void TestReportEngine::captionAndValueCentredAsOneUnit() {
+    // A caption centred with its value across the body, 5 points apart.
+    ReportDesign d = listDesign();
+    Control caption = reports::label("lblMail", "Email :", 0, 0, 40, 14, kBody);
+    caption.centredWith = QStringLiteral("txtMail");
+    caption.unitGap = 5;
+    d.Sections("cmdTest_Detail").controls = {
+        caption, reports::textBox("txtMail", "Mail", 45, 0, kToRightMargin, 14, false, kBody, Align::Right)};
+    MemoryData data;
+    data.addRow({{"Mail", "office@example.no"}});
+    data.addRow({{"Mail", words(80)}});
+    data.addRow({{"Mail", ""}});
+    for (const PageSetup& setup : {PageSetup::a4(), PageSetup::letter()}) {
+        const auto laid = layoutReport(d, data, setup);
+        QVector<const PageItem*> captions, values;
+        for (const auto& item : laid.pages[0].items) {
+            if (item.control == "lblMail")
+                captions.append(&item);
+            if (item.control == "txtMail")
+                values.append(&item);
+        }
+        const double middle = setup.marginLeft + setup.bodyWidth() / 2;
+        // The unit is as wide as its texts and the gap, centred on the body.
+        const PageItem* c = captions[0];
+        const PageItem* v = values[0];
+        QCOMPARE(v->text, QStringLiteral("office@example.no"));
+        QCOMPARE(v->align, Align::Left);
+        QVERIFY(std::abs(v->rect.left() - c->rect.right() - 5) < 0.01);
+        QVERIFY(std::abs((c->rect.left() + v->rect.right()) / 2 - middle) < 0.01);
+        QVERIFY(c->rect.width() < 40 && v->rect.width() < 100);
+        QCOMPARE(clipToWidth(v->text, kBody, v->rect.width() + 0.01), v->text);
+        // A value wider than the body is cut with a mark, and the unit fills the body.
+        QVERIFY(values[1]->text.endsWith(QChar(0x2026)));
+        QVERIFY(captions[1]->rect.left() >= setup.marginLeft - 0.01);
+        QVERIFY(captions[1]->rect.left() < setup.marginLeft + 5);
+        QVERIFY(values[1]->rect.right() <= setup.marginLeft + setup.bodyWidth() + 0.01);
+        // Without a value the caption stands alone in the middle.
+        QCOMPARE(values.size(), 2);
+        QVERIFY(std::abs(captions[2]->rect.center().x() - middle) < 0.01);
+    }
+    // A partner that the section does not hold is told like any missing control.
+    d.Sections("cmdTest_Detail").controls[0].centredWith = QStringLiteral("txtNone");
+    QVERIFY_THROWS_EXCEPTION(platform::Error, layoutReport(d, data, PageSetup::a4()));
+}
+
+void TestReportEngine::aFaceThatDoesNotShipIsAClearError() {
+    // The program ships upright faces only: an italic face is refused by name rather than
+    // replaced by another face with other widths.
+    try {
+        reportFont(FontSpec{10.0, false, true});
+        QFAIL("no error");
+    } catch (const platform::Error& e) {
+        QCOMPARE(e.description(),
+                 QStringLiteral("The report font 'Liberation Sans Italic' could not be loaded."));
+    }
+    ReportDesign d = listDesign();
+    d.Sections("PageHeader").Controls("lblHead").font = FontSpec{10.0, true, true, true};
+    try {
+        layoutReport(d, MemoryData(), PageSetup::a4());
+        QFAIL("no error");
+    } catch (const platform::Error& e) {
+        QCOMPARE(e.description(),
+                 QStringLiteral("The report font 'Liberation Serif Bold Italic' could not be loaded."));
+    }
 }
 
 void TestReportEngine::textLongerThanAPageIsSplitAndEnds() {
@@ -250,4 +352,4 @@ void TestReportEngine::paintsTheLaidOutItems() {
 }
 
 QTEST_MAIN(TestReportEngine)
-#include "tst_ReportEngine.moc"
+#include "tst_reportengine.moc"
