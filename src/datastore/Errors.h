@@ -3,6 +3,7 @@
 #include "platform/Error.h"
 
 #include <QLatin1String>
+#include <QString>
 
 // The error numbers of the data layer, thrown as platform::Error, that the screens tell apart,
 // and the standard descriptions of those that always read the same.
@@ -24,5 +25,13 @@ inline constexpr QLatin1String TextNoCurrentRecord{
     "current record."};
 inline constexpr QLatin1String TextNotUpdatable{"Current Recordset does not support updating. This may be a "
                                                 "limitation of the provider, or of the selected locktype."};
+
+// The error of a look-up by name that found nothing, naming what was looked for.
+inline platform::Error itemNotFound(const QString& name) {
+    return platform::Error(ErrItemNotFound,
+                           QStringLiteral("Item cannot be found in the collection "
+                                          "corresponding to the requested name or ordinal: %1")
+                               .arg(name));
+}
 
 } // namespace db

@@ -29,10 +29,7 @@ namespace reports {
 namespace {
 
 [[noreturn]] void notFound(const QString& what) {
-    throw platform::Error(db::ErrItemNotFound,
-                          QStringLiteral("Item cannot be found in the collection corresponding to the "
-                                         "requested name or ordinal: %1")
-                              .arg(what));
+    throw db::itemNotFound(what);
 }
 
 // Text is measured on a fine device so that layouts do not depend on the screen, and scaled

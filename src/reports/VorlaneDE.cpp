@@ -76,11 +76,7 @@ DECommand& VorlaneDE::command(const QString& name) {
     if (name.compare(QStringLiteral("cmdLetterHead"), Qt::CaseInsensitive) == 0 ||
         name.compare(QStringLiteral("cmdLetterHead_Grouping.cmdLetterHead"), Qt::CaseInsensitive) == 0)
         return m_letterHead;
-    throw platform::Error(
-        db::ErrItemNotFound,
-        QStringLiteral("Item cannot be found in the collection corresponding to the requested "
-                       "name or ordinal: %1")
-            .arg(name));
+    throw db::itemNotFound(name);
 }
 
 void VorlaneDE::reset() {
