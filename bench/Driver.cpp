@@ -1,0 +1,227 @@
+#include "Driver.h"
+
+#include <cstdio>
+
+#ifdef VORLANE_BENCH_SCREEN
+
+#include "Process.h"
+#include "app/MDI.h"
+#include "app/Startup.h"
+#include "index/frmIndexDocument.h"
+#include "platform/Controls.h"
+#include "platform/Error.h"
+#include "platform/TestHooks.h"
+#include "session/Session.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QStandardPaths>
+#include <QtTest/QTest>
+#include <chrono>
+#include <optional>
+
+namespace bench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point start, Clock::time_point end = Clock::now()) {
+    return std::chrono::duration<double, std::milli>(end - start).count();
+}
+
+void report(const char* step, double ms, long peakKiB = peakMemoryKiB()) {
+    std::printf("step %s %.3f %ld\n", step, ms, peakKiB);
+    std::fflush(stdout);
+}
+
+// Thrown when a step did not do what it should; its text goes to the "fail" line.
+struct StepFailed {
+    QString what;
+};
+
+// Watches the paints of the list's viewport: the first one while the list holds rows (the
+// user sees the first rows), and the latest one.
+class PaintWatch : public QObject {
+  public:
+    explicit PaintWatch(const platform::ListView* list) : m_list(list) {}
+    std::optional<Clock::time_point> firstWithRows;
+    std::optional<Clock::time_point> latest;
+    long peakAtFirstWithRows = 0;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            latest = Clock::now();
+            if (!firstWithRows && m_list->ListCount() > 0) {
+                firstWithRows = latest;
+                peakAtFirstWithRows = peakMemoryKiB();
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+  private:
+    const platform::ListView* m_list;
+};
+
+template <class T> T* control(const char* name) {
+    T* found = frmIndexDocument::instance().control<T>(QString::fromLatin1(name));
+    if (!found)
+        throw StepFailed{QStringLiteral("the screen has no control %1").arg(QLatin1String(name))};
+    return found;
+}
+
+// The messages shown since the last call, as "style:text", joined.
+QString messages() {
+    QStringList out;
+    for (const auto& m : platform::test::takeMessages())
+        out << QString::number(m.style) + QLatin1Char(':') + m.text;
+    return out.join(QStringLiteral(" | "));
+}
+
+void expectNoMessage(const char* step) {
+    const QString shown = messages();
+    if (!shown.isEmpty())
+        throw StepFailed{QStringLiteral("%1 showed: %2").arg(QLatin1String(step), shown)};
+}
+
+// The fields of a document, each pick list at its first item. The child category is read at
+// the position of the category's choice, so the category stays the first one.
+void fillFields(const QString& title) {
+    for (const char* combo :
+         {"cboDocType", "cboDocCategory", "cboDocSubCategory", "cboDocChildCategory", "cboFile"}) {
+        auto* box = control<platform::ComboBox>(combo);
+        if (box->ListCount() == 0)
+            throw StepFailed{QStringLiteral("%1 has no items").arg(QLatin1String(combo))};
+        box->setListIndex(0);
+    }
+    control<QLineEdit>("txtFilePath")
+        ->setText(QStringLiteral("/home/office/Scans/2026/02/saved-by-bench.pdf"));
+    control<QLineEdit>("txtTitle1")->setText(title);
+    expectNoMessage("choosing the fields");
+}
+
+void save(const char* step) {
+    const auto start = Clock::now();
+    frmIndexDocument::instance().cmd_Click(2);
+    const double ms = millisecondsSince(start);
+    const QString shown = messages();
+    if (shown != QLatin1String("64:Saved Successfully."))
+        throw StepFailed{QStringLiteral("%1 showed: %2")
+                             .arg(QLatin1String(step), shown.isEmpty() ? QStringLiteral("nothing") : shown)};
+    report(step, ms);
+}
+
+void run(int documents) {
+    auto& form = frmIndexDocument::instance();
+    MDI::setOnEnd([] {});
+    wireScreens();
+    MDI::instance().Show();
+    MDI::instance().window()->resize(1024, 720);
+    form.Show();
+    QCoreApplication::processEvents();
+    expectNoMessage("opening the screen");
+
+    // Edit: the whole table, newest first.
+    auto* list = control<platform::ListView>("lstDocs");
+    PaintWatch paints(list);
+    list->viewport()->installEventFilter(&paints);
+    const auto pressed = Clock::now();
+    form.cmd_Click(1);
+    if (list->ListCount() != documents)
+        throw StepFailed{QStringLiteral("Edit listed %1 rows of %2").arg(list->ListCount()).arg(documents)};
+    // Ready when the last row has been painted at the bottom.
+    list->scrollToBottom();
+    const auto scrolled = Clock::now();
+    for (int i = 0; i < 100 && !(paints.latest && *paints.latest >= scrolled); ++i)
+        QCoreApplication::processEvents();
+    const auto ready = Clock::now();
+    if (!paints.firstWithRows)
+        throw StepFailed{QStringLiteral("the list was never painted with rows")};
+    if (list->verticalScrollBar()->value() != list->verticalScrollBar()->maximum())
+        throw StepFailed{QStringLiteral("the list did not scroll to its last row")};
+    expectNoMessage("Edit");
+    report("first-rows", millisecondsSince(pressed, *paints.firstWithRows), paints.peakAtFirstWithRows);
+    report("whole-list", millisecondsSince(pressed, ready));
+
+    // Double click on the last row, the oldest document: Enter on the current row.
+    const int last = list->ListCount() - 1;
+    list->setCurrentIndex(list->model()->index(last, 0));
+    const QString key = list->itemText(last, 0);
+    const auto clicked = Clock::now();
+    QTest::keyClick(list, Qt::Key_Return);
+    const double loadMs = millisecondsSince(clicked);
+    expectNoMessage("the double click");
+    if (!form.EditMode || QString::number(form.CurrentRowID) != key || list->isVisible())
+        throw StepFailed{QStringLiteral("the double click did not load document %1").arg(key)};
+    std::printf("key %s\n", qPrintable(key));
+    report("load", loadMs);
+
+    // Save the loaded document changed, then a new one on a fresh form.
+    fillFields(QStringLiteral("Invoice 4471 from Northfield Supplies, checked again"));
+    save("save-change");
+    form.cmd_Click(0);
+    fillFields(QStringLiteral("Letter from Müller & Söhne about the new supplier terms"));
+    save("save-new");
+
+    form.Unload();
+    MDI::instance().Unload();
+}
+
+} // namespace
+
+int driveScreen(int& argc, char** argv, int documents, const QString& folder) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // unixODBC knows no data source here, so the screen opens the office's embedded file
+    // whatever the user's own odbc.ini says.
+    const QString odbc = QDir(folder).filePath(QStringLiteral("odbc"));
+    QDir().mkpath(odbc);
+    for (const char* name : {"odbc.ini", "odbcinst.ini"}) {
+        QFile file(QDir(odbc).filePath(QLatin1String(name)));
+        if (!file.open(QIODevice::WriteOnly)) {
+            std::printf("fail cannot write %s\n", qPrintable(file.fileName()));
+            return 1;
+        }
+    }
+    qputenv("ODBCINI", QFile::encodeName(QDir(odbc).filePath(QStringLiteral("odbc.ini"))));
+    qputenv("ODBCSYSINI", QFile::encodeName(odbc));
+    QApplication app(argc, argv);
+    // No window, message box or dialog of the platform appears, and no setting of the user's
+    // own is read or written.
+    QStandardPaths::setTestModeEnabled(true);
+    platform::test::enable();
+    platform::test::setAppPath(folder);
+    platform::test::setSettingsFolder(QDir(folder).filePath(QStringLiteral("settings")));
+    Session::CurrentUserID = 1;
+    Session::UserRights = QStringLiteral("Modify");
+    try {
+        run(documents);
+    } catch (const StepFailed& f) {
+        std::printf("fail %s\n", qPrintable(f.what.simplified()));
+        return 1;
+    } catch (const platform::Error& e) {
+        std::printf("fail error %d: %s\n", e.number(), qPrintable(e.description().simplified()));
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace bench
+
+#else
+
+namespace bench {
+
+int driveScreen(int&, char**, int, const QString&) {
+    std::printf("absent\n");
+    return 0;
+}
+
+} // namespace bench
+
+#endif

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+// Drives the Index Document screen offscreen on a prepared office, as a user would: Edit, a
+// double click on the last row, and Save, timed step by step. Runs in a process of its own, so
+// that the peak memory is the screen's alone. Prints one line per result on standard output:
+//   step <name> <milliseconds> <peak KiB so far>
+//   key <IndexID of the row loaded>
+//   fail <what went wrong>
+//   absent                    (this build has no Index Document screen)
+namespace bench {
+
+// `folder` is the program folder holding Database/Vorlane.mdb with `documents` documents.
+// Returns the process's exit code: 0 when every step did what it should.
+int driveScreen(int& argc, char** argv, int documents, const QString& folder);
+
+} // namespace bench

@@ -1,0 +1,287 @@
+// vorlane_bench: times the Index Document screen's list of every document against the sqlite3
+// shell running the same statements on the same file, for offices of chosen sizes.
+//   vorlane_bench [--rows 100000,1000000] [--data <folder>]
+// Exits 0 whatever the times; 1 when a step failed (a wrong row count, a save that did not
+// succeed, a missing sqlite3 shell), 2 on a wrong command line.
+#include "Driver.h"
+#include "Office.h"
+#include "Process.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QMap>
+#include <cstdio>
+#include <stdexcept>
+
+namespace {
+
+const char* const ListStatement = "Select * from Vorlane order by DocDate desc;";
+
+// What the screen's process reported for one size.
+struct ScreenRun {
+    bool absent = false;
+    QMap<QByteArray, QPair<double, long>> steps; // name -> milliseconds, peak KiB so far
+    QByteArray key;
+    QStringList failures;
+    long peakKiB = 0;
+};
+
+struct SizeResult {
+    int documents = 0;
+    ScreenRun screen;
+    bench::Run shellList;
+    bench::Run shellLoad;
+};
+
+void out(const QString& line) {
+    std::printf("%s\n", qPrintable(line));
+    std::fflush(stdout);
+}
+
+QString selfPath() {
+    return QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
+}
+
+QString thousands(long n) {
+    return QLocale(QLocale::English).toString(qlonglong(n));
+}
+
+ScreenRun parseScreen(const bench::Run& run) {
+    ScreenRun s;
+    for (const QByteArray& line : run.output.split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (line == "absent")
+            s.absent = true;
+        else if (words.size() == 4 && words[0] == "step")
+            s.steps.insert(words[1], {words[2].toDouble(), words[3].toLong()});
+        else if (words.size() == 2 && words[0] == "key")
+            s.key = words[1];
+        else if (line.startsWith("fail "))
+            s.failures << QString::fromUtf8(line.mid(5));
+    }
+    if (!run.started)
+        s.failures << run.error;
+    else if (run.exitCode != 0 && s.failures.isEmpty())
+        s.failures << QStringLiteral("the screen's process ended with code %1").arg(run.exitCode);
+    s.peakKiB = run.peakKiB;
+    return s;
+}
+
+QString shellFailure(const bench::Run& run, const char* what) {
+    if (!run.started)
+        return QStringLiteral("%1 (bash scripts/vorlane.sh bench installs the sqlite3 shell)").arg(run.error);
+    if (run.exitCode != 0)
+        return QStringLiteral("the sqlite3 shell failed on %1 with code %2")
+            .arg(QLatin1String(what))
+            .arg(run.exitCode);
+    return {};
+}
+
+// Makes the office if needed, copies it for this run (the screen saves into it), and runs the
+// sqlite3 shell and the screen on the copy, on a warm cache.
+SizeResult measure(int documents, const QString& dataFolder, QStringList& failures) {
+    SizeResult r;
+    r.documents = documents;
+    const QString office = bench::officeFolder(dataFolder, documents);
+    if (bench::officeIsCurrent(dataFolder, documents)) {
+        out(QStringLiteral("%1 documents: using %2").arg(thousands(documents), office));
+    } else {
+        out(QStringLiteral("%1 documents: making %2 ...").arg(thousands(documents), office));
+        const bench::Run made = bench::runProgram(
+            {selfPath(), QStringLiteral("--generate"), QString::number(documents), dataFolder}, false);
+        if (!made.ok()) {
+            failures << QStringLiteral("making the office of %1 documents failed").arg(documents);
+            return r;
+        }
+        out(QStringLiteral("%1 documents: made in %2 s")
+                .arg(thousands(documents))
+                .arg(made.seconds, 0, 'f', 1));
+    }
+
+    const QString runFolder = QDir(dataFolder).filePath(QStringLiteral("run-%1").arg(documents));
+    const QString database = runFolder + QStringLiteral("/Database/Vorlane.mdb");
+    QDir(runFolder).removeRecursively();
+    if (!QDir().mkpath(runFolder + QStringLiteral("/Database")) ||
+        !QFile::copy(office + QStringLiteral("/Database/Vorlane.mdb"), database)) {
+        failures << QStringLiteral("cannot copy the office to %1").arg(runFolder);
+        return r;
+    }
+    bench::warmFile(database);
+
+    r.shellList = bench::runProgram(
+        {QStringLiteral("sqlite3"), QStringLiteral("-batch"), database, QString::fromLatin1(ListStatement)},
+        false);
+    const bench::Run screen =
+        bench::runProgram({selfPath(), QStringLiteral("--one"), QString::number(documents), runFolder}, true);
+    r.screen = parseScreen(screen);
+    // The row that the screen loaded; without the screen, the last one entered.
+    const QByteArray key = r.screen.key.isEmpty() ? QByteArray::number(documents) : r.screen.key;
+    r.shellLoad = bench::runProgram(
+        {QStringLiteral("sqlite3"), QStringLiteral("-batch"), database,
+         QStringLiteral("Select * from Vorlane where IndexID=%1;").arg(QString::fromLatin1(key))},
+        false);
+
+    const int before = failures.size();
+    for (const QString& f : r.screen.failures)
+        failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), f);
+    for (const QString& f : {shellFailure(r.shellList, "the list"), shellFailure(r.shellLoad, "the load")})
+        if (!f.isEmpty())
+            failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), f);
+    // A failed run's copy stays for a look; a good one is thrown away.
+    if (failures.size() == before)
+        QDir(runFolder).removeRecursively();
+    return r;
+}
+
+QString milliseconds(double ms) {
+    return QStringLiteral("%1 ms").arg(ms, 0, 'f', ms < 100 ? 1 : 0);
+}
+
+QString megabytes(long kib) {
+    return kib > 0 ? QStringLiteral("%1 MB").arg(double(kib) * 1024 / 1e6, 0, 'f', 0) : QStringLiteral("-");
+}
+
+QString verdict(bool met) {
+    return met ? QStringLiteral("met") : QStringLiteral("missed");
+}
+
+void printTable(const QList<SizeResult>& results) {
+    const auto line = [](const QString& documents, const QString& step, const QString& ours,
+                         const QString& shell, const QString& ratio, const QString& ourPeak,
+                         const QString& shellPeak, const QString& goal) {
+        QString text = QStringLiteral("%1  %2 %3 %4 %5 %6 %7  %8")
+                           .arg(documents, 9)
+                           .arg(step, -20)
+                           .arg(ours, 10)
+                           .arg(shell, 10)
+                           .arg(ratio, 7)
+                           .arg(ourPeak, 12)
+                           .arg(shellPeak, 12)
+                           .arg(goal);
+        while (text.endsWith(QLatin1Char(' ')))
+            text.chop(1);
+        out(text);
+    };
+    out(QString());
+    line(QStringLiteral("documents"), QStringLiteral("step"), QStringLiteral("Vorlane"),
+         QStringLiteral("sqlite3"), QStringLiteral("ratio"), QStringLiteral("Vorlane peak"),
+         QStringLiteral("sqlite3 peak"), QStringLiteral("goal"));
+    bool absent = false;
+    for (const SizeResult& r : results) {
+        const QString n = thousands(r.documents);
+        absent = absent || r.screen.absent;
+        struct Row {
+            QByteArray key;
+            QString caption;
+            const bench::Run* shell;
+        };
+        const Row rows[] = {{"first-rows", QStringLiteral("Edit: first rows"), nullptr},
+                            {"whole-list", QStringLiteral("Edit: whole list"), &r.shellList},
+                            {"load", QStringLiteral("Double click: load"), &r.shellLoad},
+                            {"save-change", QStringLiteral("Save: changed row"), nullptr},
+                            {"save-new", QStringLiteral("Save: new row"), nullptr}};
+        for (const Row& row : rows) {
+            const bool have = r.screen.steps.contains(row.key);
+            const double ms = r.screen.steps.value(row.key).first;
+            const bool shellOk = row.shell && row.shell->ok();
+            const double shellMs = shellOk ? row.shell->seconds * 1000 : 0;
+            QString goal;
+            if (have && row.key == "first-rows")
+                goal = QStringLiteral("<= 300 ms: ") + verdict(ms <= 300);
+            else if (have && shellOk && row.key == "whole-list")
+                goal = QStringLiteral("<= 1.5x: ") + verdict(ms <= 1.5 * shellMs);
+            else if (have && row.key.startsWith("save"))
+                goal = QStringLiteral("< 20 ms: ") + verdict(ms < 20);
+            line(n, row.caption, have ? milliseconds(ms) : QStringLiteral("-"),
+                 shellOk ? milliseconds(shellMs) : QStringLiteral("-"),
+                 have && shellOk && shellMs > 0 ? QStringLiteral("%1x").arg(ms / shellMs, 0, 'f', 2)
+                                                : QStringLiteral("-"),
+                 have ? megabytes(r.screen.steps.value(row.key).second) : QStringLiteral("-"),
+                 shellOk ? megabytes(row.shell->peakKiB) : QStringLiteral("-"), goal);
+        }
+        if (!r.screen.absent && r.screen.peakKiB > 0)
+            line(n, QStringLiteral("Peak of the program"), QString(), QString(), QString(),
+                 megabytes(r.screen.peakKiB), QString(),
+                 QStringLiteral("< 300 MB: ") + verdict(double(r.screen.peakKiB) * 1024 < 300e6));
+    }
+    out(QStringLiteral(
+        "Goals, shown and not checked: first rows <= 0.3 s, whole list <= 1.5x the sqlite3 shell, "
+        "peak < 300 MB, save < 20 ms."));
+    out(QStringLiteral(
+        "Times are wall clock of one run each, on a warm cache; the peaks are the resident memory "
+        "of the whole process so far."));
+    // A started program's peak includes what this process held when starting it: the floor.
+    const bench::Run floor = bench::runProgram({QStringLiteral("true")}, false);
+    if (floor.ok())
+        out(QStringLiteral("A program started by the benchmark reports a peak of at least %1 KB.")
+                .arg(double(floor.peakKiB) * 1024 / 1000, 0, 'f', 0));
+    if (absent)
+        out(QStringLiteral("This build has no Index Document screen: only the sqlite3 shell was measured."));
+}
+
+int usage() {
+    std::fprintf(stderr, "usage: vorlane_bench [--rows 100000,1000000] [--data <folder>]\n");
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QStringList args = [&] {
+        QStringList a;
+        for (int i = 1; i < argc; ++i)
+            a << QString::fromLocal8Bit(argv[i]);
+        return a;
+    }();
+
+    // The two parts that run in processes of their own.
+    if (args.size() == 3 && args[0] == QLatin1String("--one"))
+        return bench::driveScreen(argc, argv, args[1].toInt(), args[2]);
+    if (args.size() == 3 && args[0] == QLatin1String("--generate")) {
+        QCoreApplication app(argc, argv);
+        try {
+            bench::makeOffice(args[2], args[1].toInt());
+        } catch (const std::exception& e) {
+            std::fprintf(stderr, "vorlane_bench: %s\n", e.what());
+            return 1;
+        }
+        return 0;
+    }
+
+    // This process stays small: whatever it holds, the processes that it starts count too.
+    QList<int> sizes{100000, 1000000};
+    QString data = QStringLiteral(VORLANE_BENCH_DATA);
+    for (int i = 0; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--rows") && i + 1 < args.size()) {
+            sizes.clear();
+            for (const QString& n : args[++i].split(QLatin1Char(','))) {
+                bool ok = false;
+                const int value = n.trimmed().toInt(&ok);
+                if (!ok || value < 1)
+                    return usage();
+                sizes << value;
+            }
+        } else if (args[i] == QLatin1String("--data") && i + 1 < args.size()) {
+            data = args[++i];
+        } else {
+            return usage();
+        }
+    }
+    data = QFileInfo(data).absoluteFilePath();
+    if (!QDir().mkpath(data)) {
+        std::fprintf(stderr, "vorlane_bench: cannot create %s\n", qPrintable(data));
+        return 1;
+    }
+
+    QStringList failures;
+    QList<SizeResult> results;
+    for (int documents : sizes)
+        results << measure(documents, data, failures);
+    printTable(results);
+    for (const QString& f : failures)
+        out(QStringLiteral("FAILED: ") + f);
+    return failures.isEmpty() ? 0 : 1;
+}
