@@ -2,6 +2,8 @@
 # Sets Vorlane up on a Debian 12 machine.
 #   bash scripts/vorlane.sh run    install what is needed, build, create the database if none exists, start Vorlane
 #   bash scripts/vorlane.sh test   install what is needed, build, run every test (also under the sanitizers)
+#   bash scripts/vorlane.sh bench  install what is needed, build the benchmark, time the Index Document list
+#                                  against the sqlite3 shell at 100,000 and 1,000,000 documents
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,7 +13,9 @@ packages=(
   libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev
   qt6-qpa-plugins fonts-dejavu-core fonts-liberation2
 )
-test_packages=(poppler-utils xvfb xauth clang-format)
+test_packages=(poppler-utils xvfb xauth clang-format sqlite3)
+# The benchmark compares the program with the sqlite3 shell on the same file.
+bench_packages=(sqlite3)
 
 install_packages() {
   local missing=()
@@ -51,8 +55,15 @@ case "${1:-}" in
     cmake --build --preset asan -j"$jobs"
     ctest --preset asan -j"$jobs"
     ;;
+  bench)
+    install_packages "${packages[@]}" "${bench_packages[@]}"
+    configure ci
+    cmake --build build --target vorlane_bench -j"$jobs"
+    # The offices are made once under build/bench-data and used again by later runs.
+    QT_QPA_PLATFORM=offscreen ./build/bench/vorlane_bench --rows 100000,1000000
+    ;;
   *)
-    echo "usage: bash scripts/vorlane.sh run|test" >&2
+    echo "usage: bash scripts/vorlane.sh run|test|bench" >&2
     exit 2
     ;;
 esac
