@@ -53,7 +53,7 @@ void dblClick(const Form& form, const QString& list, const QString& item, int co
     auto* view = ctl<platform::ListView>(form, list);
     for (int i = 0; i < view->ListCount(); ++i) {
         if (view->itemText(i, column) == item) {
-            view->setCurrentItem(view->topLevelItem(i));
+            view->setCurrentIndex(view->model()->index(i, 0));
             QTest::keyClick(view, Qt::Key_Return);
             return;
         }
@@ -71,7 +71,7 @@ QStringList listRows(const Form& form, const QString& list) {
     auto* view = ctl<platform::ListView>(form, list);
     for (int i = 0; i < view->ListCount(); ++i) {
         QStringList columns;
-        for (int c = 0; c < view->columnCount(); ++c)
+        for (int c = 0; c < view->model()->columnCount(); ++c)
             columns << view->itemText(i, c);
         out << columns.join(QLatin1Char('|'));
     }
