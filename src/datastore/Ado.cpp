@@ -328,11 +328,15 @@ QString Recordset::FieldName(int index) const {
 }
 
 QVariant Recordset::Fields(const QString& name) const {
+    return m_impl->value(FieldIndex(name));
+}
+
+int Recordset::FieldIndex(const QString& name) const {
     m_impl->requireOpen();
     const int index = m_impl->fieldIndex(name);
     if (index < 0)
         throw platform::Error(ErrItemNotFound, TextItemNotFound);
-    return m_impl->value(index);
+    return index;
 }
 
 QVariant Recordset::Fields(int index) const {

@@ -113,6 +113,8 @@ class Recordset {
     // QString. Throws ErrItemNotFound for an unknown field and ErrNoCurrentRecord at EOF/BOF.
     QVariant Fields(const QString& name) const;
     QVariant Fields(int index) const;
+    // The position of a field by name, without regard to case; ErrItemNotFound when unknown.
+    int FieldIndex(const QString& name) const;
 
     void AddNew();
     void setField(const QString& name, const QVariant& value);

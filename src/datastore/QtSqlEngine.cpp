@@ -96,7 +96,9 @@ class QtSqlCursor : public Cursor {
             throw platform::Error(ErrStatement, QtSqlEngine::describe(m_query.lastError()));
         return false;
     }
-    QVariant value(int column) const override { return convert(m_query.value(column), m_dates.value(column)); }
+    QVariant value(int column) const override {
+        return convert(m_query.value(column), m_dates.value(column));
+    }
 
   private:
     QSqlQuery m_query;

@@ -25,7 +25,8 @@ sqlite3* sqliteHandle(const QSqlDatabase& store) {
 }
 
 [[noreturn]] void fail(sqlite3* handle) {
-    throw platform::Error(ErrStatement, QString::fromUtf16(static_cast<const char16_t*>(sqlite3_errmsg16(handle))));
+    throw platform::Error(ErrStatement,
+                          QString::fromUtf16(static_cast<const char16_t*>(sqlite3_errmsg16(handle))));
 }
 
 // 'yyyy-MM-dd', the form in which dates are stored; anything else is no date.
@@ -51,8 +52,8 @@ class SqliteCursor : public Cursor {
   public:
     SqliteCursor(sqlite3* handle, const QString& text) : m_handle(handle) {
         const void* tail = nullptr;
-        if (sqlite3_prepare16_v2(handle, text.utf16(), int(text.size() * sizeof(QChar)), &m_statement, &tail) !=
-            SQLITE_OK)
+        if (sqlite3_prepare16_v2(handle, text.utf16(), int(text.size() * sizeof(QChar)), &m_statement,
+                                 &tail) != SQLITE_OK)
             fail(handle);
         if (!m_statement)
             throw platform::Error(ErrStatement, QStringLiteral("The statement is empty."));
@@ -60,11 +61,13 @@ class SqliteCursor : public Cursor {
         const auto* end = text.constData() + text.size();
         if (rest && QStringView(rest, end).trimmed().size() > 0) {
             sqlite3_finalize(m_statement);
-            throw platform::Error(ErrStatement, QStringLiteral("Unable to execute multiple statements at a time"));
+            throw platform::Error(ErrStatement,
+                                  QStringLiteral("Unable to execute multiple statements at a time"));
         }
         const int count = sqlite3_column_count(m_statement);
         for (int i = 0; i < count; ++i) {
-            m_names << QString::fromUtf16(static_cast<const char16_t*>(sqlite3_column_name16(m_statement, i)));
+            m_names << QString::fromUtf16(
+                static_cast<const char16_t*>(sqlite3_column_name16(m_statement, i)));
             m_dates << isDateColumn(QString::fromUtf8(sqlite3_column_table_name(m_statement, i)),
                                     QString::fromUtf8(sqlite3_column_origin_name(m_statement, i)));
         }

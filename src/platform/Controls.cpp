@@ -169,7 +169,8 @@ QVariant ListRows::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ListRows::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= m_headers.size())
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= m_headers.size())
         return QVariant();
     return m_headers[section];
 }
@@ -293,7 +294,16 @@ QVariant DatePicker::Value() const {
     return m_check->isChecked() ? QVariant(m_edit->date()) : QVariant();
 }
 
+void DatePicker::setCheckBox(bool shown) {
+    m_check->setVisible(shown);
+    if (!shown)
+        m_check->setChecked(true);
+    setFocusProxy(shown ? static_cast<QWidget*>(m_check) : m_edit);
+}
+
 void DatePicker::setValue(const QVariant& value) {
+    if (m_check->isHidden() && (!value.isValid() || value.isNull()))
+        return;
     m_setting = true;
     if (value.isValid() && !value.isNull()) {
         m_edit->setDate(value.toDate());

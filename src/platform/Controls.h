@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QAbstractTableModel>
 #include <QComboBox>
 #include <QDate>
 #include <QListWidget>
 #include <QPushButton>
-#include <QAbstractTableModel>
 #include <QTreeView>
 #include <QVariant>
 
@@ -156,6 +156,8 @@ class DatePicker : public QWidget {
     QVariant Value() const;
     void setValue(const QVariant& value); // a QDate, or a null QVariant to clear the box
     void setCustomFormat(const QString& format);
+    // Without its check box the picker always holds a date: a Null value leaves it as it is.
+    void setCheckBox(bool shown);
     QDateEdit* dateEdit() const { return m_edit; }
     QCheckBox* checkBox() const { return m_check; }
   signals:

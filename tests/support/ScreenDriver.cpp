@@ -83,12 +83,23 @@ bool isShown(const Form& form, const QString& name) {
 }
 
 QStringList tabOrder(QWidget* window) {
+    // The parts of a control (the box and editor of a date picker) count as the control.
+    const auto control = [window](QWidget* w) {
+        while (w != window && (w->objectName().isEmpty() || w->objectName().startsWith(QLatin1String("qt_"))))
+            w = w->parentWidget();
+        return w;
+    };
     QStringList order;
     QWidget* w = window;
     do {
         w = w->nextInFocusChain();
-        if (w != window && (w->focusPolicy() & Qt::TabFocus) && window->isAncestorOf(w))
-            order << w->objectName();
+        if (w == window || !(w->focusPolicy() & Qt::TabFocus) || !window->isAncestorOf(w))
+            continue;
+        QWidget* named = control(w);
+        if (named == w || !w->isHidden()) {
+            if (order.isEmpty() || order.last() != named->objectName())
+                order << named->objectName();
+        }
     } while (w != window);
     return order;
 }
