@@ -93,9 +93,9 @@ QWidget* frmIndexDocument::build() {
 
     auto* list = screen.addListOver(ui.lstDocs, ListHeight);
     list->setRows(new DocumentRows(list));
-    const std::pair<const char*, int> columns[] = {{"IndexID", 0},         {"Title 1", 220},
-                                                   {"Title 2", 160},       {"Doc. Date", 90},
-                                                   {"Followup Date", 100}, {"Bookmark", 100}};
+    const std::pair<const char*, int> columns[] = {{"IndexID", 0},        {"Title 1", 200},
+                                                   {"Title 2", 130},      {"Doc. Date", 88},
+                                                   {"Followup Date", 96}, {"Bookmark", 80}};
     for (const auto& [header, width] : columns)
         list->addColumn(QString::fromLatin1(header), width);
     list->header()->setSectionsMovable(false);
