@@ -6,6 +6,7 @@
 #include "classification/frmDocSubCat.h"
 #include "classification/frmDocType.h"
 #include "classification/frmFile.h"
+#include "index/frmIndexDocument.h"
 #include "platform/Shell.h"
 #include "session/frmLogin.h"
 
@@ -19,6 +20,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgDocSubCat"), [] { frmDocSubCat::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgDocChildCat"), [] { frmDocChildCat::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgFile"), [] { frmFile::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
 }
 
 bool Startup() {

@@ -100,7 +100,7 @@ void frmFile::FillFileList() {
         db::Recordset rs;
         rs.Open(QStringLiteral("Select * from File order by filenumber"), GenMod::Conn, db::adOpenStatic,
                 db::adLockReadOnly, -1);
-        list->clear();
+        list->Clear();
         for (; !rs.eof(); rs.MoveNext()) {
             const QString key = TrimStr(rs.Fields(QStringLiteral("FileID")));
             const QString number = TrimStr(rs.Fields(QStringLiteral("FileNumber")));

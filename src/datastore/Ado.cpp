@@ -132,6 +132,13 @@ struct Recordset::Impl {
     QStringList names;
     QVector<QVector<QVariant>> rows;
     int position = 0;
+    // A forward-only, read-only recordset streams: it holds the row under the cursor only,
+    // and its statement ends at EOF or Close. Declared after the connection, so that it ends
+    // before the connection can.
+    bool streaming = false;
+    std::unique_ptr<Cursor> cursor;
+    bool streamRow = false;   // the cursor stands on a row
+    bool streamEmpty = false; // the statement gave no row at all
     // AddNew in progress: the named values of the new row.
     bool adding = false;
     FieldValues pending;
@@ -159,19 +166,36 @@ struct Recordset::Impl {
                                   QStringLiteral("Only a Select statement can open a recordset."));
         names.clear();
         rows.clear();
+        cursor.reset();
+        position = 0;
+        if (streaming) {
+            cursor = engine.query(text);
+            names = cursor->names();
+            advance();
+            streamEmpty = !streamRow;
+            return;
+        }
         Rows read = engine.select(text);
         names = std::move(read.names);
         rows = std::move(read.values);
-        position = 0;
     }
 
-    const QVariant& value(int index) const {
+    // Steps the stream to its next row; past the last one the statement ends.
+    void advance() {
+        streamRow = cursor->next();
+        if (!streamRow)
+            cursor.reset();
+    }
+
+    bool atEnd() const { return streaming ? !streamRow : position >= rows.size(); }
+
+    QVariant value(int index) const {
         requireOpen();
         if (index < 0 || index >= names.size())
             throw platform::Error(ErrItemNotFound, TextItemNotFound);
-        if (position < 0 || position >= rows.size())
+        if (position < 0 || atEnd())
             throw platform::Error(ErrNoCurrentRecord, TextNoCurrentRecord);
-        return rows[position][index];
+        return streaming ? cursor->value(index) : rows[position][index];
     }
 
     // The one table that a "Select ... from T [where ...] [order by ...]" reads, or empty.
@@ -219,9 +243,11 @@ void Recordset::Open(const QString& source, const ConnectionPtr& connection, int
     d.source = source;
     d.cursorType = cursorType == adOpenUnspecified ? adOpenForwardOnly : cursorType;
     d.lockType = lockType == adLockUnspecified ? adLockReadOnly : lockType;
+    d.streaming = d.cursorType == adOpenForwardOnly && d.lockType == adLockReadOnly;
     try {
         d.load();
     } catch (...) {
+        d.cursor.reset();
         d.connection.reset();
         throw;
     }
@@ -244,6 +270,7 @@ void Recordset::Close() {
     d.pending.clear();
     d.rows.clear();
     d.names.clear();
+    d.cursor.reset();
     d.connection.reset();
 }
 
@@ -253,25 +280,32 @@ int Recordset::State() const {
 
 bool Recordset::eof() const {
     m_impl->requireOpen();
-    return m_impl->position >= m_impl->rows.size();
+    return m_impl->atEnd();
 }
 
 bool Recordset::bof() const {
-    m_impl->requireOpen();
-    return m_impl->rows.isEmpty() || m_impl->position < 0;
+    const Impl& d = *m_impl;
+    d.requireOpen();
+    return (d.streaming ? d.streamEmpty : d.rows.isEmpty()) || d.position < 0;
 }
 
 void Recordset::MoveNext() {
     Impl& d = *m_impl;
     d.requireOpen();
-    if (d.position >= d.rows.size())
+    if (d.atEnd())
         throw platform::Error(ErrNoCurrentRecord, TextNoCurrentRecord);
     ++d.position;
+    if (d.streaming)
+        d.advance();
 }
 
 void Recordset::MoveFirst() {
-    m_impl->requireOpen();
-    m_impl->position = 0;
+    Impl& d = *m_impl;
+    d.requireOpen();
+    // A stream that has left its first row reads its statement again.
+    if (d.streaming && d.position != 0)
+        d.load();
+    d.position = 0;
 }
 
 int Recordset::RecordCount() const {
@@ -294,11 +328,15 @@ QString Recordset::FieldName(int index) const {
 }
 
 QVariant Recordset::Fields(const QString& name) const {
+    return m_impl->value(FieldIndex(name));
+}
+
+int Recordset::FieldIndex(const QString& name) const {
     m_impl->requireOpen();
     const int index = m_impl->fieldIndex(name);
     if (index < 0)
         throw platform::Error(ErrItemNotFound, TextItemNotFound);
-    return m_impl->value(index);
+    return index;
 }
 
 QVariant Recordset::Fields(int index) const {

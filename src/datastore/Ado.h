@@ -81,9 +81,10 @@ class Connection {
 
 using ConnectionPtr = std::shared_ptr<Connection>;
 
-// A set of rows read by one statement. All rows are read at Open; the recordset keeps its
-// connection alive until it is closed. On a dynamic cursor over one table, AddNew, setField
-// and Update add rows.
+// A set of rows read by one statement; the recordset keeps its connection alive until it is
+// closed. A forward-only, read-only recordset reads its rows one at a time as it moves, so
+// that it can pass over any number of rows; every other kind reads all rows at Open. On a
+// dynamic cursor over one table, AddNew, setField and Update add rows.
 class Recordset {
   public:
     Recordset();
@@ -112,6 +113,8 @@ class Recordset {
     // QString. Throws ErrItemNotFound for an unknown field and ErrNoCurrentRecord at EOF/BOF.
     QVariant Fields(const QString& name) const;
     QVariant Fields(int index) const;
+    // The position of a field by name, without regard to case; ErrItemNotFound when unknown.
+    int FieldIndex(const QString& name) const;
 
     void AddNew();
     void setField(const QString& name, const QVariant& value);

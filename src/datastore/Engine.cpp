@@ -13,7 +13,24 @@ test::EngineFactory& testFactory() {
     return factory;
 }
 
+// The rows of a select read at once, handed out one at a time.
+class ReadCursor : public Cursor {
+  public:
+    explicit ReadCursor(Rows rows) : m_rows(std::move(rows)) {}
+    QStringList names() const override { return m_rows.names; }
+    bool next() override { return ++m_position < m_rows.values.size(); }
+    QVariant value(int column) const override { return m_rows.values[m_position][column]; }
+
+  private:
+    Rows m_rows;
+    qsizetype m_position = -1;
+};
+
 } // namespace
+
+std::unique_ptr<Cursor> Engine::query(const QString& text) {
+    return std::make_unique<ReadCursor>(select(text));
+}
 
 std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& user, const QString& password,
                                    int timeoutSeconds) {

@@ -19,6 +19,19 @@ struct Rows {
     QVector<QVector<QVariant>> values;
 };
 
+// The rows of one select, read one at a time: the engine reads a row only when asked for
+// it, so a select of any size needs the memory of one row. A cursor lives no longer than
+// its engine; dropping it ends the statement.
+class Cursor {
+  public:
+    virtual ~Cursor() = default;
+    virtual QStringList names() const = 0;
+    // Moves to the next row (the first, at the start); false when there is none left.
+    virtual bool next() = 0;
+    // A value of the current row, typed as in Rows.
+    virtual QVariant value(int column) const = 0;
+};
+
 // Named values of one new row, in the order they were given.
 using FieldValues = QVector<QPair<QString, QVariant>>;
 
@@ -38,6 +51,9 @@ class Engine {
     virtual void execute(const QString& text) = 0;
     // Runs one select and reads all its rows.
     virtual Rows select(const QString& text) = 0;
+    // Runs one select and hands its rows out one at a time. The rows are read when asked
+    // for; an engine without a way of its own reads them all at once.
+    virtual std::unique_ptr<Cursor> query(const QString& text);
     // Adds one row to `table` (named as the screens name it); a value of a date column comes as
     // QDate, any other as the screen gave it.
     virtual void insert(const QString& table, const FieldValues& values) = 0;

@@ -78,31 +78,56 @@ void QtSqlEngine::execute(const QString& text) {
         throw platform::Error(ErrStatement, failure);
 }
 
+namespace {
+
+// A forward-only query of the driver: the driver reads a row when it is asked for one.
+class QtSqlCursor : public Cursor {
+  public:
+    QtSqlCursor(QSqlQuery query, QVector<bool> dates) : m_query(std::move(query)), m_dates(std::move(dates)) {
+        const QSqlRecord record = m_query.record();
+        for (int i = 0; i < record.count(); ++i)
+            m_names << record.fieldName(i);
+    }
+    QStringList names() const override { return m_names; }
+    bool next() override {
+        if (m_query.next())
+            return true;
+        if (m_query.lastError().isValid())
+            throw platform::Error(ErrStatement, QtSqlEngine::describe(m_query.lastError()));
+        return false;
+    }
+    QVariant value(int column) const override {
+        return convert(m_query.value(column), m_dates.value(column));
+    }
+
+  private:
+    QSqlQuery m_query;
+    QVector<bool> m_dates;
+    QStringList m_names;
+};
+
+} // namespace
+
+std::unique_ptr<Cursor> QtSqlEngine::query(const QString& text) {
+    QSqlQuery q(database());
+    q.setForwardOnly(true);
+    if (!q.exec(text))
+        throw platform::Error(ErrStatement, describe(q.lastError()));
+    QVector<bool> dates = dateColumns(text, q.record().count());
+    return std::make_unique<QtSqlCursor>(std::move(q), std::move(dates));
+}
+
 Rows QtSqlEngine::select(const QString& text) {
     Rows rows;
-    QString failure;
-    {
-        QSqlQuery q(database());
-        q.setForwardOnly(true);
-        if (!q.exec(text)) {
-            failure = describe(q.lastError());
-        } else {
-            const QSqlRecord record = q.record();
-            for (int i = 0; i < record.count(); ++i)
-                rows.names << record.fieldName(i);
-            const QVector<bool> dates = dateColumns(text, record.count());
-            while (q.next()) {
-                QVector<QVariant> row(record.count());
-                for (int i = 0; i < record.count(); ++i)
-                    row[i] = convert(q.value(i), dates[i]);
-                rows.values.push_back(std::move(row));
-            }
-            if (q.lastError().isValid())
-                failure = describe(q.lastError());
-        }
+    const auto cursor = query(text);
+    rows.names = cursor->names();
+    const auto count = rows.names.size();
+    while (cursor->next()) {
+        QVector<QVariant> row(count);
+        for (int i = 0; i < count; ++i)
+            row[i] = cursor->value(i);
+        rows.values.push_back(std::move(row));
     }
-    if (!failure.isNull())
-        throw platform::Error(ErrStatement, failure);
     return rows;
 }
 

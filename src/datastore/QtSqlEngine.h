@@ -35,7 +35,9 @@ class QtSqlEngine : public Engine {
     const Dialect& dialect() const override;
     void setTimeout(int seconds) override;
     void execute(const QString& text) override;
+    // Reads the rows of query() to the end.
     Rows select(const QString& text) override;
+    std::unique_ptr<Cursor> query(const QString& text) override;
     void insert(const QString& table, const FieldValues& values) override;
     void beginTransaction() override;
     void commitTransaction() override;

@@ -5,6 +5,7 @@
 #include "Schema.h"
 #include "SqliteFolding.h"
 
+#include <QDate>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -22,6 +23,103 @@ sqlite3* sqliteHandle(const QSqlDatabase& store) {
         return nullptr;
     return *static_cast<sqlite3* const*>(handle.data());
 }
+
+[[noreturn]] void fail(sqlite3* handle) {
+    throw platform::Error(ErrStatement,
+                          QString::fromUtf16(static_cast<const char16_t*>(sqlite3_errmsg16(handle))));
+}
+
+// 'yyyy-MM-dd', the form in which dates are stored; anything else is no date.
+QDate storedDate(const unsigned char* text, int length) {
+    if (length != 10 || text[4] != '-' || text[7] != '-')
+        return QDate();
+    int parts[3] = {0, 0, 0};
+    const int starts[3] = {0, 5, 8};
+    const int lengths[3] = {4, 2, 2};
+    for (int p = 0; p < 3; ++p)
+        for (int i = starts[p]; i < starts[p] + lengths[p]; ++i) {
+            if (text[i] < '0' || text[i] > '9')
+                return QDate();
+            parts[p] = parts[p] * 10 + (text[i] - '0');
+        }
+    return QDate(parts[0], parts[1], parts[2]);
+}
+
+// A statement of the file stepped row by row. A value is converted only when it is read, and
+// a result column that is a column of a table, however the statement names it, is a date
+// when the schema says so.
+class SqliteCursor : public Cursor {
+  public:
+    SqliteCursor(sqlite3* handle, const QString& text) : m_handle(handle) {
+        const void* tail = nullptr;
+        if (sqlite3_prepare16_v2(handle, text.utf16(), int(text.size() * sizeof(QChar)), &m_statement,
+                                 &tail) != SQLITE_OK)
+            fail(handle);
+        if (!m_statement)
+            throw platform::Error(ErrStatement, QStringLiteral("The statement is empty."));
+        const auto* rest = static_cast<const QChar*>(tail);
+        const auto* end = text.constData() + text.size();
+        if (rest && QStringView(rest, end).trimmed().size() > 0) {
+            sqlite3_finalize(m_statement);
+            throw platform::Error(ErrStatement,
+                                  QStringLiteral("Unable to execute multiple statements at a time"));
+        }
+        const int count = sqlite3_column_count(m_statement);
+        for (int i = 0; i < count; ++i) {
+            m_names << QString::fromUtf16(
+                static_cast<const char16_t*>(sqlite3_column_name16(m_statement, i)));
+            m_dates << isDateColumn(QString::fromUtf8(sqlite3_column_table_name(m_statement, i)),
+                                    QString::fromUtf8(sqlite3_column_origin_name(m_statement, i)));
+        }
+    }
+    ~SqliteCursor() override { sqlite3_finalize(m_statement); }
+    SqliteCursor(const SqliteCursor&) = delete;
+    SqliteCursor& operator=(const SqliteCursor&) = delete;
+
+    QStringList names() const override { return m_names; }
+
+    bool next() override {
+        switch (sqlite3_step(m_statement)) {
+        case SQLITE_ROW:
+            return true;
+        case SQLITE_DONE:
+            return false;
+        default:
+            fail(m_handle);
+        }
+    }
+
+    QVariant value(int column) const override {
+        switch (sqlite3_column_type(m_statement, column)) {
+        case SQLITE_NULL:
+            return QVariant();
+        case SQLITE_INTEGER:
+            return QVariant(qint64(sqlite3_column_int64(m_statement, column)));
+        case SQLITE_FLOAT:
+            return QVariant(sqlite3_column_double(m_statement, column));
+        case SQLITE_BLOB: {
+            const auto* data = static_cast<const char*>(sqlite3_column_blob(m_statement, column));
+            return QVariant(QByteArray(data, sqlite3_column_bytes(m_statement, column)));
+        }
+        default:
+            break;
+        }
+        if (m_dates.value(column)) {
+            const QDate date = storedDate(sqlite3_column_text(m_statement, column),
+                                          sqlite3_column_bytes(m_statement, column));
+            if (date.isValid())
+                return QVariant(date);
+        }
+        const auto* text = static_cast<const char16_t*>(sqlite3_column_text16(m_statement, column));
+        return QVariant(QString::fromUtf16(text, sqlite3_column_bytes16(m_statement, column) / 2));
+    }
+
+  private:
+    sqlite3* m_handle;
+    sqlite3_stmt* m_statement = nullptr;
+    QStringList m_names;
+    QVector<bool> m_dates;
+};
 
 } // namespace
 
@@ -80,23 +178,10 @@ void SqliteEngine::rollbackTransaction() {
     execute(QStringLiteral("ROLLBACK"));
 }
 
-// Each result column that is a column of a table, however the statement names or aliases it,
-// is a date when the schema says so.
-QVector<bool> SqliteEngine::dateColumns(const QString& text, int count) {
-    QVector<bool> dates(count, false);
-    sqlite3_stmt* stmt = nullptr;
-    if (!m_handle ||
-        sqlite3_prepare16_v2(m_handle, text.utf16(), int(text.size() * sizeof(QChar)), &stmt, nullptr) !=
-            SQLITE_OK ||
-        !stmt) {
-        sqlite3_finalize(stmt);
-        return dates;
-    }
-    for (int i = 0; i < count && i < sqlite3_column_count(stmt); ++i)
-        dates[i] = isDateColumn(QString::fromUtf8(sqlite3_column_table_name(stmt, i)),
-                                QString::fromUtf8(sqlite3_column_origin_name(stmt, i)));
-    sqlite3_finalize(stmt);
-    return dates;
+std::unique_ptr<Cursor> SqliteEngine::query(const QString& text) {
+    if (!m_handle)
+        return QtSqlEngine::query(text);
+    return std::make_unique<SqliteCursor>(m_handle, text);
 }
 
 } // namespace db

@@ -20,8 +20,8 @@ class SqliteEngine : public QtSqlEngine {
     void commitTransaction() override;
     void rollbackTransaction() override;
 
-  protected:
-    QVector<bool> dateColumns(const QString& text, int count) override;
+    // Steps the file's own statement: a row is read, and a value converted, when asked for.
+    std::unique_ptr<Cursor> query(const QString& text) override;
 
   private:
     explicit SqliteEngine(SqlStore store);

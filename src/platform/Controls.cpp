@@ -145,57 +145,128 @@ void ListBox::keyPressEvent(QKeyEvent* event) {
 
 // ---- ListView
 
-ListView::ListView(QWidget* parent) : QTreeWidget(parent) {
+void ListRows::setHeaders(const QStringList& headers) {
+    const bool more = headers.size() > m_headers.size();
+    if (more)
+        beginInsertColumns(QModelIndex(), int(m_headers.size()), int(headers.size()) - 1);
+    m_headers = headers;
+    if (more)
+        endInsertColumns();
+    else
+        emit headerDataChanged(Qt::Horizontal, 0, int(m_headers.size()) - 1);
+}
+
+int ListRows::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_headers.size());
+}
+
+QVariant ListRows::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+        return QVariant();
+    if (role == Qt::ToolTipRole && index.column() == 0)
+        return QVariant();
+    return text(index.row(), index.column());
+}
+
+QVariant ListRows::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= m_headers.size())
+        return QVariant();
+    return m_headers[section];
+}
+
+void TextRows::addRow(const QStringList& texts) {
+    const int row = int(m_rows.size());
+    beginInsertRows(QModelIndex(), row, row);
+    m_rows.append(texts);
+    endInsertRows();
+}
+
+void TextRows::clear() {
+    beginResetModel();
+    m_rows.clear();
+    endResetModel();
+}
+
+int TextRows::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QString TextRows::text(int row, int column) const {
+    return m_rows[row].value(column);
+}
+
+ListView::ListView(QWidget* parent) : QTreeView(parent) {
     setRootIsDecorated(false);
+    setItemsExpandable(false);
     setUniformRowHeights(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setAllColumnsShowFocus(true);
-    setColumnCount(0);
     header()->setStretchLastSection(true);
-    connect(this, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem*, int) { emit DblClick(); });
+    setRows(new TextRows(this));
+    connect(this, &QTreeView::doubleClicked, this, [this](const QModelIndex&) { emit DblClick(); });
+}
+
+void ListView::setRows(ListRows* rows) {
+    ListRows* old = m_rows;
+    rows->setParent(this);
+    rows->setHeaders(m_headers);
+    m_rows = rows;
+    setModel(rows);
+    for (int column = 0; column < m_widths.size(); ++column)
+        applyWidth(column);
+    if (old && old != rows)
+        old->deleteLater();
 }
 
 void ListView::addColumn(const QString& header, int width) {
-    const int column = columnCount();
-    setColumnCount(column + 1);
-    auto* head = headerItem();
-    head->setText(column, header);
-    if (width == 0) {
-        setColumnHidden(column, true);
-    } else {
-        setColumnWidth(column, width);
-    }
+    const int column = int(m_headers.size());
+    m_headers << header;
+    m_widths << width;
+    m_rows->setHeaders(m_headers);
+    applyWidth(column);
 }
 
-QTreeWidgetItem* ListView::addRow(const QString& text, const QStringList& subItems) {
-    auto* item = new QTreeWidgetItem(this);
-    item->setText(0, text);
-    for (int i = 0; i < subItems.size(); ++i) {
-        item->setText(i + 1, subItems[i]);
-        item->setToolTip(i + 1, subItems[i]);
-    }
-    return item;
+void ListView::applyWidth(int column) {
+    if (m_widths[column] == 0)
+        setColumnHidden(column, true);
+    else
+        setColumnWidth(column, m_widths[column]);
+}
+
+TextRows* ListView::textRows() const {
+    auto* rows = qobject_cast<TextRows*>(m_rows);
+    if (!rows)
+        throw Error(ErrInvalidProcedureCall, QStringLiteral("The rows of this list come from the screen."));
+    return rows;
+}
+
+void ListView::addRow(const QString& text, const QStringList& subItems) {
+    textRows()->addRow(QStringList{text} + subItems);
+}
+
+void ListView::Clear() {
+    textRows()->clear();
 }
 
 int ListView::selectedIndex() const {
-    const auto* item = currentItem();
-    return item ? indexOfTopLevelItem(const_cast<QTreeWidgetItem*>(item)) : -1;
+    const QModelIndex current = currentIndex();
+    return current.isValid() ? current.row() : -1;
 }
 
 QString ListView::itemText(int index, int column) const {
-    const auto* item = topLevelItem(index);
-    if (!item)
+    if (index < 0 || index >= m_rows->rowCount() || column < 0 || column >= m_rows->columnCount())
         throw invalidIndex();
-    return item->text(column);
+    return m_rows->text(index, column);
 }
 
 void ListView::keyPressEvent(QKeyEvent* event) {
-    if (isEnter(event) && currentItem()) {
+    if (isEnter(event) && currentIndex().isValid()) {
         emit DblClick();
         return;
     }
-    QTreeWidget::keyPressEvent(event);
+    QTreeView::keyPressEvent(event);
 }
 
 // ---- DatePicker
@@ -223,7 +294,16 @@ QVariant DatePicker::Value() const {
     return m_check->isChecked() ? QVariant(m_edit->date()) : QVariant();
 }
 
+void DatePicker::setCheckBox(bool shown) {
+    m_check->setVisible(shown);
+    if (!shown)
+        m_check->setChecked(true);
+    setFocusProxy(shown ? static_cast<QWidget*>(m_check) : m_edit);
+}
+
 void DatePicker::setValue(const QVariant& value) {
+    if (m_check->isHidden() && (!value.isValid() || value.isNull()))
+        return;
     m_setting = true;
     if (value.isValid() && !value.isNull()) {
         m_edit->setDate(value.toDate());

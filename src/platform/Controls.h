@@ -1,10 +1,11 @@
 #pragma once
 
+#include <QAbstractTableModel>
 #include <QComboBox>
 #include <QDate>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <QVariant>
 
 class QCheckBox;
@@ -80,17 +81,55 @@ class ListBox : public QListWidget {
     bool m_sorted = false;
 };
 
+// The rows of a list view, as texts by row and column. The view asks only for the rows it
+// shows, so a screen with many rows keeps them in whatever form suits it.
+class ListRows : public QAbstractTableModel {
+    Q_OBJECT
+  public:
+    using QAbstractTableModel::QAbstractTableModel;
+    virtual QString text(int row, int column) const = 0;
+
+    void setHeaders(const QStringList& headers);
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    // The text, and the same text as the tip of every shown column, for cut-off texts.
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+  private:
+    QStringList m_headers;
+};
+
+// Rows added one by one, each a list of texts.
+class TextRows : public ListRows {
+    Q_OBJECT
+  public:
+    using ListRows::ListRows;
+    void addRow(const QStringList& texts);
+    void clear();
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    QString text(int row, int column) const override;
+
+  private:
+    QVector<QStringList> m_rows;
+};
+
 // A list view in report form: columns with headers, the first of which may be of zero width
 // to carry a row's key unseen. Enter on a row counts as a double click, for keyboard users.
-class ListView : public QTreeWidget {
+// Its rows are added one by one, or come from a ListRows of the screen's own.
+class ListView : public QTreeView {
     Q_OBJECT
   public:
     explicit ListView(QWidget* parent = nullptr);
     // Adds a column; a width of 0 hides it but keeps its text readable.
     void addColumn(const QString& header, int width);
     // Adds a row: `text` goes to the first column, `subItems` to the following ones.
-    QTreeWidgetItem* addRow(const QString& text, const QStringList& subItems);
-    int ListCount() const { return topLevelItemCount(); }
+    void addRow(const QString& text, const QStringList& subItems);
+    // Removes all rows.
+    void Clear();
+    // Shows the rows of `rows` instead, which the list view takes over.
+    void setRows(ListRows* rows);
+    ListRows* rows() const { return m_rows; }
+    int ListCount() const { return m_rows->rowCount(); }
     // Position of the selected row, or -1.
     int selectedIndex() const;
     QString itemText(int index, int column = 0) const;
@@ -99,6 +138,13 @@ class ListView : public QTreeWidget {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    TextRows* textRows() const;
+    void applyWidth(int column);
+    QStringList m_headers;
+    QList<int> m_widths;
+    ListRows* m_rows = nullptr;
 };
 
 // A date picker with a check box: its value is a date while ticked and Null (an invalid
@@ -110,6 +156,8 @@ class DatePicker : public QWidget {
     QVariant Value() const;
     void setValue(const QVariant& value); // a QDate, or a null QVariant to clear the box
     void setCustomFormat(const QString& format);
+    // Without its check box the picker always holds a date: a Null value leaves it as it is.
+    void setCheckBox(bool shown);
     QDateEdit* dateEdit() const { return m_edit; }
     QCheckBox* checkBox() const { return m_check; }
   signals:

@@ -3,6 +3,7 @@
 #include "Error.h"
 
 #include <QDate>
+#include <QLocale>
 #include <QRegularExpression>
 #include <cmath>
 
@@ -46,6 +47,22 @@ double roundHalfEven(double x) {
     return std::nearbyint(x);
 }
 } // namespace
+
+QDate CDate(const QVariant& value) {
+    if (IsNull(value))
+        throw invalidUseOfNull();
+    if (value.typeId() == QMetaType::QDate)
+        return value.toDate();
+    if (value.typeId() == QMetaType::QDateTime)
+        return value.toDateTime().date();
+    const QString text = value.toString().trimmed();
+    QDate date = QDate::fromString(text, Qt::ISODate);
+    if (!date.isValid())
+        date = QLocale().toDate(text, QStringLiteral("dd/MMM/yyyy"));
+    if (!date.isValid())
+        throw typeMismatch();
+    return date;
+}
 
 bool IsNull(const QVariant& value) {
     return !value.isValid() || value.isNull();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QString>
 #include <QVariant>
 
@@ -20,6 +21,8 @@ qint32 CLng(const QVariant& value);
 double CDbl(const QVariant& value);
 // The number at the start of a text, 0 when it starts with none; never fails.
 double Val(const QString& text);
+// A date: 94 for Null, 13 for a value that is no date (texts as "yyyy-MM-dd" or "dd/MMM/yyyy").
+QDate CDate(const QVariant& value);
 // True for a Null value.
 bool IsNull(const QVariant& value);
 

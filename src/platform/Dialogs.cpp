@@ -9,25 +9,42 @@
 namespace platform {
 
 namespace {
-// "Word files|*.doc;*.docx|All|*.*" becomes "Word files (*.doc *.docx);;All (*.*)".
-QString qtFilter(const QString& filter) {
+// A pattern that matches without regard to case: "*.pdf" becomes "*.[pP][dD][fF]", so that
+// the ".PDF" and ".JPG" files of scanners and cameras show too.
+QString anyCase(const QString& pattern) {
+    QString out;
+    for (const QChar c : pattern) {
+        if (c.isLetter() && c.toLower() != c.toUpper())
+            out += QLatin1Char('[') + c.toLower() + c.toUpper() + QLatin1Char(']');
+        else
+            out += c;
+    }
+    return out;
+}
+} // namespace
+
+QString dialogFilter(const QString& filter) {
     const QStringList parts = filter.split(QLatin1Char('|'));
     QStringList out;
-    for (int i = 0; i + 1 < parts.size(); i += 2)
-        out << parts[i] + QStringLiteral(" (") +
-                   QString(parts[i + 1]).replace(QLatin1Char(';'), QLatin1Char(' ')) + QLatin1Char(')');
+    for (int i = 0; i + 1 < parts.size(); i += 2) {
+        QStringList patterns = parts[i + 1].split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString& p : patterns)
+            p = anyCase(p.trimmed());
+        out << parts[i] + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) + QLatin1Char(')');
+    }
     if (parts.size() % 2 == 1 && !parts.last().isEmpty())
         out << parts.last();
     return out.join(QStringLiteral(";;"));
 }
-} // namespace
 
 QString showOpenDialog(QWidget* owner, const QString& title, const QString& filter,
                        const QString& initialDir) {
     auto& state = detail::testState();
     if (state.enabled)
         return state.openFiles.isEmpty() ? QString() : state.openFiles.dequeue();
-    return QFileDialog::getOpenFileName(owner, title, initialDir, qtFilter(filter));
+    // The dialog names each filter by its description; the patterns stay out of sight.
+    return QFileDialog::getOpenFileName(owner, title, initialDir, dialogFilter(filter), nullptr,
+                                        QFileDialog::HideNameFilterDetails);
 }
 
 QString showSaveDialog(QWidget* owner, const QString& title, const QString& filter,
@@ -35,7 +52,8 @@ QString showSaveDialog(QWidget* owner, const QString& title, const QString& filt
     auto& state = detail::testState();
     if (state.enabled)
         return state.saveFiles.isEmpty() ? QString() : state.saveFiles.dequeue();
-    return QFileDialog::getSaveFileName(owner, title, initialPath, qtFilter(filter));
+    return QFileDialog::getSaveFileName(owner, title, initialPath, dialogFilter(filter), nullptr,
+                                        QFileDialog::HideNameFilterDetails);
 }
 
 QString browseForFolder(const QString& startFolder, QWidget* owner, const QString& title) {

@@ -6,6 +6,10 @@ class QWidget;
 
 namespace platform {
 
+// A filter in the form "description|*.a;*.b|..." as the dialogs take it: "description (*.a
+// *.b);;...", each pattern matching without regard to case.
+QString dialogFilter(const QString& filter);
+
 // The file-open dialog. `filter` takes the form "description|*.a;*.b|description|*.c".
 // Returns the chosen path, or an empty string on cancel.
 QString showOpenDialog(QWidget* owner, const QString& title, const QString& filter,

@@ -138,6 +138,8 @@ bool RecordForm::saveRecord(const SaveSteps& steps) {
     for (const auto& field : steps.required) {
         if (field.missing()) {
             MsgBox(field.message, platform::vbExclamation);
+            if (field.focus && field.focus->isEnabled())
+                field.focus->setFocus();
             return false;
         }
     }

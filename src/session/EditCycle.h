@@ -35,9 +35,11 @@ class RecordForm : public Form {
     virtual void cmd_Click(int index) = 0;
 
     // One required field: the test of its (trimmed) value and the message when it is missing.
+    // Where a control is named, the focus goes to it after the message, when it is enabled.
     struct Required {
         std::function<bool()> missing;
         QString message;
+        QWidget* focus = nullptr;
     };
 
     // What one screen's Save hands to the shared steps. Statements are built when they run,

@@ -145,6 +145,12 @@ void ScreenBuilder::coverFields(QWidget* list, int minimumHeight) {
     m_tabOrder << list;
 }
 
+void ScreenBuilder::addBeside(QWidget* control) {
+    control->setParent(m_panel);
+    m_grid->addWidget(control, m_row - 1, 2);
+    m_tabOrder << control;
+}
+
 void ScreenBuilder::addButtons(const QList<QPushButton*>& buttons) {
     QBoxLayout* line = nullptr;
     if (m_buttons == Buttons::Below) {

@@ -55,6 +55,10 @@ class ScreenBuilder {
         return made;
     }
 
+    // A control beside the field of the last row, such as a button that fills the field; it
+    // comes after that field in the tab order.
+    void addBeside(QWidget* control);
+
     void addButtons(const QList<QPushButton*>& buttons);
 
     // Sets the tab order and the first focus; returns the window.

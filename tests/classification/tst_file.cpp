@@ -125,10 +125,12 @@ class TestFileRegister : public QObject {
 
         QVERIFY(!listShown());
         QCOMPARE(list()->toolTip(), QStringLiteral("Double click a record to edit"));
-        auto* head = list()->headerItem();
-        QCOMPARE(list()->columnCount(), 3);
-        QCOMPARE(QStringList({head->text(0), head->text(1), head->text(2)}),
-                 QStringList({"FileID", "File number", "Particulars"}));
+        auto* head = list()->model();
+        QCOMPARE(head->columnCount(), 3);
+        QStringList headers;
+        for (int c = 0; c < 3; ++c)
+            headers << head->headerData(c, Qt::Horizontal).toString();
+        QCOMPARE(headers, QStringList({"FileID", "File number", "Particulars"}));
         QVERIFY(list()->isColumnHidden(0));
         QVERIFY(!list()->isColumnHidden(1) && !list()->isColumnHidden(2));
     }
@@ -337,7 +339,7 @@ class TestFileRegister : public QObject {
         QVERIFY(!form().EditMode);
         QVERIFY(listShown());
 
-        list()->setCurrentItem(nullptr);
+        list()->setCurrentIndex(QModelIndex());
         emit list()->DblClick();
         QCOMPARE(messages().size(), 1);
         QVERIFY(!form().EditMode);
@@ -470,7 +472,7 @@ class TestFileRegister : public QObject {
         QCOMPARE(text("txtFileNo"), QStringLiteral("typed"));
 
         press(1);
-        list()->setCurrentItem(list()->topLevelItem(3));
+        list()->setCurrentIndex(list()->model()->index(3, 0));
         QCoreApplication::processEvents();
         auto* frame = qobject_cast<QMdiSubWindow*>(form().window()->parentWidget());
         QVERIFY(frame);

@@ -210,6 +210,19 @@ void AdoTest::cursorKindsAndPositions() {
     QCOMPARE(seen, QStringList({"T1", "T2", "T3"}));
     QCOMPARE(errorOf([&] { forward.MoveNext(); }), db::ErrNoCurrentRecord);
     QCOMPARE(errorOf([&] { forward.Fields(0); }), db::ErrNoCurrentRecord);
+    // A forward-only recordset streams: at its end the statement is over, so another seat
+    // takes the write lock at once; MoveFirst reads the statement again.
+    auto writer = openStore(0);
+    writer->BeginTrans();
+    writer->Execute(QStringLiteral("Insert into DocumentType values(4,'T4',1)"));
+    writer->CommitTrans();
+    forward.MoveFirst();
+    QCOMPARE(forward.Fields(1).toString(), QStringLiteral("T1"));
+    QVERIFY(!forward.bof());
+    db::Recordset none;
+    none.Open(QStringLiteral("Select * from DocumentType where TypeID=99"), c);
+    QVERIFY(none.eof() && none.bof());
+    QCOMPARE(errorOf([&] { none.Open(QStringLiteral("Select * from NoSuchTable"), c); }), db::ErrStatement);
 
     db::Recordset empty;
     empty.Open(QStringLiteral("Select * from DocumentType where TypeID=99"), c, db::adOpenStatic,

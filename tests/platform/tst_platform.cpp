@@ -81,6 +81,21 @@ class TestPlatform : public QObject {
         test::nextFolder(QStringLiteral("/tmp"));
         QCOMPARE(browseForFolder(QStringLiteral("/"), nullptr, "Pick"), QStringLiteral("/tmp"));
         QCOMPARE(browseForFolder(QStringLiteral("/"), nullptr, "Pick"), QString());
+
+        // The patterns match files of scanners and cameras, whatever the case of their names.
+        const QString filter = dialogFilter(QStringLiteral("Documents|*.jpg;*.pdf|All|*.*"));
+        QCOMPARE(filter.section(QStringLiteral(";;"), 1), QStringLiteral("All (*.*)"));
+        const QStringList patterns =
+            filter.section(QStringLiteral(" ("), 1).section(QLatin1Char(')'), 0, 0).split(' ');
+        QCOMPARE(patterns.size(), 2);
+        for (const char* name : {"SCAN0001.JPG", "photo.jpg", "Letter.Pdf"}) {
+            const bool any = std::any_of(patterns.begin(), patterns.end(), [&](const QString& p) {
+                return QRegularExpression::fromWildcard(p).match(QString::fromLatin1(name)).hasMatch();
+            });
+            QVERIFY2(any, name);
+        }
+        QVERIFY(
+            !QRegularExpression::fromWildcard(patterns[1]).match(QStringLiteral("notes.pdfx")).hasMatch());
     }
 
     void shellRecordsAndReportsAMissingProgram() {

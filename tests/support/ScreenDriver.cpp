@@ -53,7 +53,7 @@ void dblClick(const Form& form, const QString& list, const QString& item, int co
     auto* view = ctl<platform::ListView>(form, list);
     for (int i = 0; i < view->ListCount(); ++i) {
         if (view->itemText(i, column) == item) {
-            view->setCurrentItem(view->topLevelItem(i));
+            view->setCurrentIndex(view->model()->index(i, 0));
             QTest::keyClick(view, Qt::Key_Return);
             return;
         }
@@ -71,7 +71,7 @@ QStringList listRows(const Form& form, const QString& list) {
     auto* view = ctl<platform::ListView>(form, list);
     for (int i = 0; i < view->ListCount(); ++i) {
         QStringList columns;
-        for (int c = 0; c < view->columnCount(); ++c)
+        for (int c = 0; c < view->model()->columnCount(); ++c)
             columns << view->itemText(i, c);
         out << columns.join(QLatin1Char('|'));
     }
@@ -83,12 +83,23 @@ bool isShown(const Form& form, const QString& name) {
 }
 
 QStringList tabOrder(QWidget* window) {
+    // The parts of a control (the box and editor of a date picker) count as the control.
+    const auto control = [window](QWidget* w) {
+        while (w != window && (w->objectName().isEmpty() || w->objectName().startsWith(QLatin1String("qt_"))))
+            w = w->parentWidget();
+        return w;
+    };
     QStringList order;
     QWidget* w = window;
     do {
         w = w->nextInFocusChain();
-        if (w != window && (w->focusPolicy() & Qt::TabFocus) && window->isAncestorOf(w))
-            order << w->objectName();
+        if (w == window || !(w->focusPolicy() & Qt::TabFocus) || !window->isAncestorOf(w))
+            continue;
+        QWidget* named = control(w);
+        if (named == w || !w->isHidden()) {
+            if (order.isEmpty() || order.last() != named->objectName())
+                order << named->objectName();
+        }
     } while (w != window);
     return order;
 }
