@@ -240,14 +240,6 @@ void bindText(sqlite3_stmt* s, int column, const std::string& text) {
     sqlite3_bind_text(s, column, text.data(), int(text.size()), SQLITE_TRANSIENT);
 }
 
-// Binds text, or Null for empty text as the screens store an empty field.
-void bindOptional(sqlite3_stmt* s, int column, const std::string& text) {
-    if (text.empty())
-        sqlite3_bind_null(s, column);
-    else
-        bindText(s, column, text);
-}
-
 Tree insertClassification(Database& db, Random& random) {
     sqlite3_stmt* type = db.prepare("insert into DocumentType values(?, ?, 1)");
     for (int i = 0; i < int(DocTypes.size()); ++i) {
@@ -491,13 +483,13 @@ void insertDocuments(Database& db, Random& random, int documents, const Tree& tr
         sqlite3_bind_int(row, 7, child);
         bindText(row, 8, t1);
         const std::string t2 = title2(random, fileID);
-        bindOptional(row, 9, t2);
+        bindText(row, 9, t2);
         bindText(row, 10, path);
         sqlite3_bind_int(row, 11, fileID);
         const std::string mark = bookmark(random);
-        bindOptional(row, 12, mark);
+        bindText(row, 12, mark);
         const std::string note = remarks(random);
-        bindOptional(row, 13, note);
+        bindText(row, 13, note);
         db.step(row);
     }
 }
