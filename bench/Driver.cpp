@@ -1,9 +1,5 @@
 #include "Driver.h"
 
-#include <cstdio>
-
-#ifdef VORLANE_BENCH_SCREEN
-
 #include "Process.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
@@ -21,6 +17,7 @@
 #include <QStandardPaths>
 #include <QtTest/QTest>
 #include <chrono>
+#include <cstdio>
 #include <optional>
 
 namespace bench {
@@ -212,16 +209,3 @@ int driveScreen(int& argc, char** argv, int documents, const QString& folder) {
 }
 
 } // namespace bench
-
-#else
-
-namespace bench {
-
-int driveScreen(int&, char**, int, const QString&) {
-    std::printf("absent\n");
-    return 0;
-}
-
-} // namespace bench
-
-#endif

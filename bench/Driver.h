@@ -8,7 +8,6 @@
 //   step <name> <milliseconds> <peak KiB so far>
 //   key <IndexID of the row loaded>
 //   fail <what went wrong>
-//   absent                    (this build has no Index Document screen)
 namespace bench {
 
 // `folder` is the program folder holding Database/Vorlane.mdb with `documents` documents.

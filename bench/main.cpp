@@ -22,7 +22,6 @@ const char* const ListStatement = "Select * from Vorlane order by DocDate desc;"
 
 // What the screen's process reported for one size.
 struct ScreenRun {
-    bool absent = false;
     QMap<QByteArray, QPair<double, long>> steps; // name -> milliseconds, peak KiB so far
     QByteArray key;
     QStringList failures;
@@ -53,9 +52,7 @@ ScreenRun parseScreen(const bench::Run& run) {
     ScreenRun s;
     for (const QByteArray& line : run.output.split('\n')) {
         const QList<QByteArray> words = line.split(' ');
-        if (line == "absent")
-            s.absent = true;
-        else if (words.size() == 4 && words[0] == "step")
+        if (words.size() == 4 && words[0] == "step")
             s.steps.insert(words[1], {words[2].toDouble(), words[3].toLong()});
         else if (words.size() == 2 && words[0] == "key")
             s.key = words[1];
@@ -117,7 +114,7 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
     const bench::Run screen =
         bench::runProgram({selfPath(), QStringLiteral("--one"), QString::number(documents), runFolder}, true);
     r.screen = parseScreen(screen);
-    // The row that the screen loaded; without the screen, the last one entered.
+    // The row that the screen loaded; the last one entered if it loaded none.
     const QByteArray key = r.screen.key.isEmpty() ? QByteArray::number(documents) : r.screen.key;
     r.shellLoad = bench::runProgram(
         {QStringLiteral("sqlite3"), QStringLiteral("-batch"), database,
@@ -169,10 +166,8 @@ void printTable(const QList<SizeResult>& results) {
     line(QStringLiteral("documents"), QStringLiteral("step"), QStringLiteral("Vorlane"),
          QStringLiteral("sqlite3"), QStringLiteral("ratio"), QStringLiteral("Vorlane peak"),
          QStringLiteral("sqlite3 peak"), QStringLiteral("goal"));
-    bool absent = false;
     for (const SizeResult& r : results) {
         const QString n = thousands(r.documents);
-        absent = absent || r.screen.absent;
         struct Row {
             QByteArray key;
             QString caption;
@@ -202,7 +197,7 @@ void printTable(const QList<SizeResult>& results) {
                  have ? megabytes(r.screen.steps.value(row.key).second) : QStringLiteral("-"),
                  shellOk ? megabytes(row.shell->peakKiB) : QStringLiteral("-"), goal);
         }
-        if (!r.screen.absent && r.screen.peakKiB > 0)
+        if (r.screen.peakKiB > 0)
             line(n, QStringLiteral("Peak of the program"), QString(), QString(), QString(),
                  megabytes(r.screen.peakKiB), QString(),
                  QStringLiteral("< 300 MB: ") + verdict(double(r.screen.peakKiB) * 1024 < 300e6));
@@ -218,8 +213,6 @@ void printTable(const QList<SizeResult>& results) {
     if (floor.ok())
         out(QStringLiteral("A program started by the benchmark reports a peak of at least %1 KB.")
                 .arg(double(floor.peakKiB) * 1024 / 1000, 0, 'f', 0));
-    if (absent)
-        out(QStringLiteral("This build has no Index Document screen: only the sqlite3 shell was measured."));
 }
 
 int usage() {
