@@ -99,13 +99,14 @@ Run runProgram(const QStringList& command, bool keepOutput) {
 
 bool warmFile(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadWrite))
         return false;
     // A small buffer on the stack: a large one from the heap would stay resident in this process.
     char buffer[65536];
     while (file.read(buffer, sizeof buffer) > 0) {
     }
-    return true;
+    // A fresh copy is still being written out: the first save's sync would wait for all of it.
+    return ::fsync(file.handle()) == 0;
 }
 
 long peakMemoryKiB() {

@@ -25,7 +25,8 @@ struct Run {
 // peak too, so the caller keeps itself small.
 Run runProgram(const QStringList& command, bool keepOutput);
 
-// Reads a file once from start to end, so that the runs after it find it in the page cache.
+// Reads a file once from start to end, so that the runs after it find it in the page cache,
+// and waits until it is on disk, so that no run pays for writing out a fresh copy.
 bool warmFile(const QString& path);
 
 // The peak resident memory of this process so far, in KiB (VmHWM), or 0 when unknown.

@@ -104,14 +104,15 @@ class SqliteCursor : public Cursor {
         default:
             break;
         }
+        // Texts are kept as UTF-8 in the file and read as such, without a conversion by the engine.
+        const unsigned char* text = sqlite3_column_text(m_statement, column);
+        const int length = sqlite3_column_bytes(m_statement, column);
         if (m_dates.value(column)) {
-            const QDate date = storedDate(sqlite3_column_text(m_statement, column),
-                                          sqlite3_column_bytes(m_statement, column));
+            const QDate date = storedDate(text, length);
             if (date.isValid())
                 return QVariant(date);
         }
-        const auto* text = static_cast<const char16_t*>(sqlite3_column_text16(m_statement, column));
-        return QVariant(QString::fromUtf16(text, sqlite3_column_bytes16(m_statement, column) / 2));
+        return QVariant(QString::fromUtf8(reinterpret_cast<const char*>(text), length));
     }
 
   private:

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QLocale>
+#include <QStringEncoder>
 #include <limits>
 
 namespace {
@@ -32,6 +33,12 @@ quint32 takeLength(const char*& p) {
     }
 }
 
+// The work buffer of the encoder, kept between rows.
+QByteArray& encoded() {
+    static QByteArray buffer;
+    return buffer;
+}
+
 void putValue(QByteArray& out, const QVariant& value) {
     if (value.typeId() == QMetaType::QDate) {
         const qint64 day = value.toDate().toJulianDay();
@@ -43,10 +50,16 @@ void putValue(QByteArray& out, const QVariant& value) {
             return;
         }
     }
-    const QByteArray text = value.toString().toUtf8();
+    const QString text = value.toString();
+    // Encoded straight into the row: at most three bytes for each UTF-16 unit.
+    QByteArray& utf8 = encoded();
+    utf8.resize(text.size() * 3);
+    QStringEncoder encoder(QStringEncoder::Utf8);
+    const char* end = encoder.appendToBuffer(utf8.data(), text);
+    const auto length = quint32(end - utf8.constData());
     out.append(char(TextValue));
-    putLength(out, quint32(text.size()));
-    out.append(text);
+    putLength(out, length);
+    out.append(utf8.constData(), qsizetype(length));
 }
 
 } // namespace
