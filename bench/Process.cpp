@@ -99,7 +99,7 @@ Run runProgram(const QStringList& command, bool keepOutput) {
 
 bool warmFile(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadWrite))
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
         return false;
     // A small buffer on the stack: a large one from the heap would stay resident in this process.
     char buffer[65536];
