@@ -22,7 +22,7 @@ bool isWordChar(QChar c) {
 
 // Month number for a short or long month name of the running locale or of English.
 int monthNumber(const QString& name) {
-    const QLocale locales[] = {QLocale::system(), QLocale::c()};
+    const QLocale locales[] = {QLocale(), QLocale::system(), QLocale::c()};
     for (const QLocale& loc : locales) {
         for (int m = 1; m <= 12; ++m) {
             for (const QString& candidate :

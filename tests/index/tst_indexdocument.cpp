@@ -292,19 +292,19 @@ class TestIndexDocument : public QObject {
         ctl<QLineEdit>("txtTitle1")->setText(title); // pasted: no keys for these scripts
         ctl<QPlainTextEdit>("txtRemarks")->setPlainText(remarks);
         ctl<platform::DatePicker>("dtpDocDate")->setValue(QDate(2026, 3, 5));
-        ctl<platform::DatePicker>("dtpFollowUp")->setValue(QDate(2025, 1, 31));
+        ctl<platform::DatePicker>("dtpFollowUp")->setValue(QDate(2025, 9, 30)); // "Sept" here
         press(2);
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(stored("DocDate", 1), QStringLiteral("2026-03-05"));
-        QCOMPARE(stored("FollowupDate", 1), QStringLiteral("2025-01-31"));
+        QCOMPARE(stored("FollowupDate", 1), QStringLiteral("2025-09-30"));
         QCOMPARE(stored("FilePath", 1), QStringLiteral("/home/office/Scans/lease.PDF"));
 
         press(1);
-        QCOMPARE(rows(), QStringList({QStringLiteral("1|%1||05/Mar/2026|31/Jan/2025|").arg(title)}));
+        QCOMPARE(rows(), QStringList({QStringLiteral("1|%1||05/Mar/2026|30/Sept/2025|").arg(title)}));
         testsupport::dblClick(form(), QStringLiteral("lstDocs"), QStringLiteral("1"));
         QCOMPARE(testsupport::text(form(), QStringLiteral("txtTitle1")), title);
         QCOMPARE(ctl<QPlainTextEdit>("txtRemarks")->toPlainText(), remarks);
-        QCOMPARE(ctl<platform::DatePicker>("dtpFollowUp")->Value().toDate(), QDate(2025, 1, 31));
+        QCOMPARE(ctl<platform::DatePicker>("dtpFollowUp")->Value().toDate(), QDate(2025, 9, 30));
         testsupport::type(form(), QStringLiteral("txtTitle1"), QStringLiteral("O'Brien lease"));
         press(2);
         QCOMPARE(messages(), QStringList({Saved}));
