@@ -7,6 +7,7 @@
 #include "classification/frmDocType.h"
 #include "classification/frmFile.h"
 #include "index/frmIndexDocument.h"
+#include "index/frmSearchDocument.h"
 #include "platform/Shell.h"
 #include "session/frmLogin.h"
 
@@ -21,6 +22,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgDocChildCat"), [] { frmDocChildCat::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgFile"), [] { frmFile::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgSearchDoc"), [] { frmSearchDocument::instance().Show(); });
 }
 
 bool Startup() {

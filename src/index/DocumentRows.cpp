@@ -1,5 +1,10 @@
 #include "DocumentRows.h"
 
+#include "datastore/Ado.h"
+#include "platform/Conversions.h"
+#include "session/GenMod.h"
+
+#include <QCoreApplication>
 #include <QDate>
 #include <QLocale>
 #include <QStringEncoder>
@@ -64,10 +69,12 @@ void putValue(QByteArray& out, const QVariant& value) {
 
 } // namespace
 
-void DocumentRows::append(const QVariant (&values)[Columns]) {
+DocumentRows::DocumentRows(int columns, QObject* parent) : platform::ListRows(parent), m_columns(columns) {}
+
+void DocumentRows::append(const QVariant* values) {
     m_scratch.clear();
-    for (const QVariant& value : values)
-        putValue(m_scratch, value);
+    for (int c = 0; c < m_columns; ++c)
+        putValue(m_scratch, values[c]);
     if (m_blocks.isEmpty() || m_blocks.last().capacity() - m_blocks.last().size() < m_scratch.size()) {
         QByteArray block;
         block.reserve(qMax(BlockSize, m_scratch.size()));
@@ -101,7 +108,7 @@ int DocumentRows::rowCount(const QModelIndex& parent) const {
 }
 
 QString DocumentRows::text(int row, int column) const {
-    if (row < 0 || row >= m_published || column < 0 || column >= Columns)
+    if (row < 0 || row >= m_published || column < 0 || column >= m_columns)
         return QString();
     const quint64 start = m_starts[size_t(row)];
     const char* p = m_blocks[qsizetype(start >> 32)].constData() + (start & 0xffffffffu);
@@ -124,4 +131,43 @@ QString DocumentRows::text(int row, int column) const {
             return QString::fromUtf8(p, qsizetype(length));
         p += length;
     }
+}
+
+namespace {
+// The rows that a list shows before it reads the rest.
+constexpr int FirstRows = 100;
+} // namespace
+
+void readDocuments(platform::ListView* list, const QString& statement, const QList<ShownField>& fields) {
+    auto* rows = static_cast<DocumentRows*>(list->rows());
+    db::Recordset rs;
+    // Forward-only: the rows are read once, front to back, so any number of them fits.
+    rs.Open(statement, GenMod::Conn, db::adOpenForwardOnly, db::adLockReadOnly, -1);
+    rows->clear();
+    std::vector<int> position;
+    for (const ShownField& field : fields)
+        position.push_back(rs.FieldIndex(QString::fromLatin1(field.name)));
+    std::vector<QVariant> values(fields.size());
+    try {
+        for (; !rs.eof(); rs.MoveNext()) {
+            for (qsizetype c = 0; c < fields.size(); ++c) {
+                const QVariant value = rs.Fields(position[size_t(c)]);
+                values[size_t(c)] =
+                    fields[c].date && value.typeId() == QMetaType::QDate
+                        ? value
+                        : QVariant(fields[c].date ? platform::CStr(value) : platform::TrimStr(value));
+            }
+            rows->append(values.data());
+            if (rows->appended() == FirstRows) {
+                rows->publish();
+                list->show();
+                QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            }
+        }
+        rs.Close();
+    } catch (...) {
+        rows->publish();
+        throw;
+    }
+    rows->publish();
 }

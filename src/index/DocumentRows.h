@@ -7,6 +7,8 @@
 #include <QVariant>
 #include <vector>
 
+class QString;
+
 // The rows of the list of all documents, kept compactly so that an office's whole index fits:
 // each row's shown values lie packed in large blocks (texts as UTF-8, dates as day numbers),
 // about a tenth of a kilobyte for a document with ordinary titles. Texts are made only for the
@@ -14,14 +16,12 @@
 class DocumentRows : public platform::ListRows {
     Q_OBJECT
   public:
-    // The shown columns, in order; column 0 holds the key.
-    static constexpr int Columns = 6;
+    DocumentRows(int columns, QObject* parent);
 
-    using platform::ListRows::ListRows;
-
-    // Appends a row. `values` holds the key, title 1, title 2, document date, follow-up date and
-    // bookmark; a date is a QDate, any other value is shown as its text.
-    void append(const QVariant (&values)[Columns]);
+    int columns() const { return m_columns; }
+    // Appends a row of columns() values: a date is a QDate, shown as "dd/MMM/yyyy" in the
+    // running system's language; any other value is shown as its text.
+    void append(const QVariant* values);
     // Makes the rows appended so far visible to the list view.
     void publish();
     // Removes all rows.
@@ -33,9 +33,23 @@ class DocumentRows : public platform::ListRows {
     QString text(int row, int column) const override;
 
   private:
+    int m_columns;
     QList<QByteArray> m_blocks;
     // Per row: its block (high 32 bits) and its offset in the block.
     std::vector<quint64> m_starts;
     QByteArray m_scratch;
     int m_published = 0;
 };
+
+// One column of a list of documents: the field it shows, and whether it holds a date.
+struct ShownField {
+    const char* name;
+    bool date = false;
+};
+
+// Reads `statement` on GenMod::Conn, one row at a time, into the DocumentRows of `list`: per
+// row the `fields` in order, texts trimmed. The list is emptied once the statement has run,
+// so a refused statement leaves the old rows; it shows its first rows while the rest are
+// read. A value that cannot be shown (a Null) ends the reading there with the error; the rows
+// before it stay listed. Errors are thrown.
+void readDocuments(platform::ListView* list, const QString& statement, const QList<ShownField>& fields);

@@ -12,7 +12,6 @@
 #include "session/ScreenBuilder.h"
 #include "session/Session.h"
 
-#include <QCoreApplication>
 #include <QDate>
 #include <QHeaderView>
 #include <QLocale>
@@ -27,8 +26,6 @@ constexpr int BookmarkLength = 200;
 constexpr int FieldWidth = 380;
 constexpr int RemarksHeight = 70;
 constexpr int ListHeight = 360;
-// The rows that the list shows before it reads the rest of the table.
-constexpr int FirstRows = 100;
 
 const QString DateFormat = QStringLiteral("dd/MMM/yyyy");
 
@@ -92,7 +89,7 @@ QWidget* frmIndexDocument::build() {
     remarks->setTabChangesFocus(true); // Tab leaves the box, as on every other field
 
     auto* list = screen.addListOver(ui.lstDocs, ListHeight);
-    list->setRows(new DocumentRows(list));
+    list->setRows(new DocumentRows(6, list));
     const std::pair<const char*, int> columns[] = {{"IndexID", 0},        {"Title 1", 200},
                                                    {"Title 2", 130},      {"Doc. Date", 88},
                                                    {"Followup Date", 96}, {"Bookmark", 80}};
@@ -312,48 +309,17 @@ void frmIndexDocument::ShowDocumentList() {
     }
 }
 
-DocumentRows* frmIndexDocument::documentRows() const {
-    return static_cast<DocumentRows*>(ui.lstDocs->rows());
-}
-
-// Every document, newest first, with no limit. The recordset reads one row at a time, and
-// the list shows its first rows while the rest are read. A row that cannot be shown (a
-// Null in a shown column) ends the list there with the message; the rows before it stay.
+// Every document, newest first, with no limit; the list shows its first rows while the rest
+// are read. A row that cannot be shown (a Null in a shown column) ends the list there with
+// the message; the rows before it stay.
 void frmIndexDocument::FillDocumentList() {
-    auto* list = ui.lstDocs.get();
-    auto* rows = documentRows();
     platform::setMousePointer(platform::vbHourglass);
     try {
-        db::Recordset rs;
-        rs.Open(QStringLiteral("Select * from Vorlane order by DocDate desc"), GenMod::Conn,
-                db::adOpenForwardOnly, db::adLockReadOnly, -1);
-        rows->clear();
-        const char* const names[DocumentRows::Columns] = {"IndexID", "Title1",       "Title2",
-                                                          "DocDate", "FollowupDate", "Bookmark"};
-        int position[DocumentRows::Columns];
-        for (int c = 0; c < DocumentRows::Columns; ++c)
-            position[c] = rs.FieldIndex(QString::fromLatin1(names[c]));
-        QVariant values[DocumentRows::Columns];
-        for (; !rs.eof(); rs.MoveNext()) {
-            for (int c = 0; c < DocumentRows::Columns; ++c) {
-                const QVariant value = rs.Fields(position[c]);
-                const bool date = c == 3 || c == 4;
-                values[c] = date && value.typeId() == QMetaType::QDate
-                                ? value
-                                : QVariant(date ? platform::CStr(value) : TrimStr(value));
-            }
-            rows->append(values);
-            if (rows->appended() == FirstRows) {
-                rows->publish();
-                list->show();
-                QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-            }
-        }
-        rs.Close();
-        rows->publish();
+        readDocuments(
+            ui.lstDocs, QStringLiteral("Select * from Vorlane order by DocDate desc"),
+            {{"IndexID"}, {"Title1"}, {"Title2"}, {"DocDate", true}, {"FollowupDate", true}, {"Bookmark"}});
         platform::setMousePointer(platform::vbDefault);
     } catch (const platform::Error& e) {
-        rows->publish();
         platform::setMousePointer(platform::vbDefault);
         platform::MsgBox(e.description(), platform::vbCritical);
     }

@@ -6,8 +6,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-class DocumentRows;
-
 // The record of one document (table Vorlane): its two dates, its place in the four-level
 // classification, two titles, the path of its soft copy, the hard-copy file that holds the
 // paper, a bookmark and remarks. Edit lists every document, newest first.
@@ -34,7 +32,6 @@ class frmIndexDocument : public RecordForm {
 
   private:
     frmIndexDocument() = default;
-    DocumentRows* documentRows() const;
 
     // The controls, each under its object name.
     struct Controls {

@@ -312,9 +312,9 @@ void DatePicker::setValue(const QVariant& value) {
         m_check->setChecked(false);
     }
     m_setting = false;
-    // Setting the value from code fires Change, as a user's change does.
-    m_last = Value();
-    emit Change();
+    // Setting the value from code fires Change, as a user's change does; setting the value
+    // it already holds changes nothing and fires nothing.
+    emitIfChanged();
 }
 
 void DatePicker::setCustomFormat(const QString& format) {

@@ -149,6 +149,7 @@ class ListView : public QTreeView {
 
 // A date picker with a check box: its value is a date while ticked and Null (an invalid
 // QVariant) while clear. Change fires whenever the value changes, also when set from code.
+// A picker starts Null; one without its check box starts at today.
 class DatePicker : public QWidget {
     Q_OBJECT
   public:

@@ -83,13 +83,17 @@ Report& RptLetterHead2() {
     return *report;
 }
 
-void PrintList(DECommand& recordset, Report& report) {
+void OpenOrRequery(DECommand& recordset) {
     if (recordset.State() == db::adStateOpen) {
         recordset.Requery();
     } else {
         recordset.Open();
         recordset.Requery();
     }
+}
+
+void PrintList(DECommand& recordset, Report& report) {
+    OpenOrRequery(recordset);
     report.Show();
     report.Refresh();
 }

@@ -19,6 +19,9 @@ Report& RptLetterHead2();
 // dates as "dd/MMM/yyyy".
 std::unique_ptr<ReportData> readRows(db::Recordset& recordset);
 
+// Requeries the recordset, opening it first when it is closed.
+void OpenOrRequery(DECommand& recordset);
+
 // Requeries the recordset (opening it first when it is closed), shows the report and
 // refreshes it, so that it prints the rows as they are now. Failures are thrown as
 // platform::Error to the caller.

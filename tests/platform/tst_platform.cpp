@@ -171,6 +171,8 @@ class TestPlatform : public QObject {
         picker.setValue(QVariant());
         QVERIFY(!picker.Value().isValid());
         QCOMPARE(changes.count(), 2);
+        picker.setValue(QVariant()); // the same value: no change
+        QCOMPARE(changes.count(), 2);
         picker.checkBox()->setChecked(true); // the user ticks the box
         QCOMPARE(changes.count(), 3);
         QCOMPARE(picker.Value().toDate(), QDate(2026, 3, 5));

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "session/EditCycle.h"
+
+#include <QLabel>
+#include <QLineEdit>
+
+// Finds documents by any mix of eleven criteria, lists them and prints the list with the
+// criteria written out as a sentence above it. Every user may search; the screen writes
+// nothing but the rows of the printed list. It has no row of its own to edit, but shares the
+// record screens' window set-up and their array of action buttons.
+class frmSearchDocument : public RecordForm {
+    Q_OBJECT
+  public:
+    static frmSearchDocument& instance();
+
+    // The readable sentence of the criteria, rebuilt by each BuildSearchStatement.
+    QString QueryDescription;
+
+    void cmd_Click(int index) override;
+    void cmdSearch_Click();
+    void cboDocCategory_Click();
+    void cboDocSubCategory_Click();
+    void dtpDocFrom_Change();
+    void dtpDocTo_Change();
+    void dtpFollowUpFrom_Change();
+    void dtpFollowUpTo_Change();
+
+    void ResetSearchForm();
+    QString BuildSearchStatement();
+    void FillResultList(const QString& statement);
+    void PrintSearchList();
+
+  protected:
+    QWidget* build() override;
+    void Form_Load() override;
+
+  private:
+    frmSearchDocument() = default;
+
+    // The controls, each under its object name.
+    struct Controls {
+        UI_CONTROL(QLabel, lblDocType);
+        UI_CONTROL(platform::ComboBox, cboDocType);
+        UI_CONTROL(QLabel, lblDocCategory);
+        UI_CONTROL(platform::ComboBox, cboDocCategory);
+        UI_CONTROL(QLabel, lblDocSubCat);
+        UI_CONTROL(platform::ComboBox, cboDocSubCategory);
+        UI_CONTROL(QLabel, lblDocChildCat);
+        UI_CONTROL(platform::ComboBox, cboDocChildCategory);
+        UI_CONTROL(QLabel, Label1);
+        UI_CONTROL(platform::ComboBox, cboFileNo);
+        UI_CONTROL(QLabel, lblTitle1);
+        UI_CONTROL(QLineEdit, txtTitle1);
+        UI_CONTROL(QLabel, lblTitle2);
+        UI_CONTROL(QLineEdit, txtTitle2);
+        UI_CONTROL(QLabel, lblBookmark);
+        UI_CONTROL(QLineEdit, txtBookmark);
+        UI_CONTROL(QLabel, lblRemarks);
+        UI_CONTROL(QLineEdit, txtRemarks);
+        UI_CONTROL(QLabel, lblDocDate);
+        UI_CONTROL(platform::DatePicker, dtpDocFrom);
+        UI_CONTROL(QLabel, lblDocDateTo);
+        UI_CONTROL(platform::DatePicker, dtpDocTo);
+        UI_CONTROL(QLabel, lblFollowupdate);
+        UI_CONTROL(platform::DatePicker, dtpFollowUpFrom);
+        UI_CONTROL(QLabel, lblFollowupDateTo);
+        UI_CONTROL(platform::DatePicker, dtpFollowUpTo);
+        UI_CONTROL(platform::CommandButton, cmdSearch);
+        UI_CONTROL(platform::ListView, lstList);
+        UI_CONTROL(QLabel, lblNoOfRecords);
+    };
+    Controls ui;
+};
