@@ -23,6 +23,7 @@ namespace {
 
 constexpr int FieldWidth = 220;
 constexpr int ListHeight = 260;
+constexpr int ListWidth = 760;
 
 QString key(const platform::ComboBox* combo) {
     // The key is written as a plain decimal number.
@@ -119,11 +120,11 @@ QWidget* frmSearchDocument::build() {
     auto* list = ui.lstList.make(w);
     list->setToolTip(QStringLiteral("Double click a record to quickly view its contents"));
     list->setAccessibleName(QStringLiteral("Double click a record to quickly view its contents"));
-    list->setMinimumHeight(ListHeight);
+    list->setMinimumSize(ListWidth, ListHeight);
     list->setRows(new DocumentRows(9, list));
     const std::pair<const char*, int> columns[] = {
-        {"IndexID", 0},   {"Title 1", 170}, {"Title 2", 120}, {"Doc. Date", 88}, {"Followup Date", 96},
-        {"Bookmark", 80}, {"Remark", 120},  {"File No.", 80}, {"File Path", 0}};
+        {"IndexID", 0},   {"Title 1", 170}, {"Title 2", 110}, {"Doc. Date", 88}, {"Followup Date", 96},
+        {"Bookmark", 70}, {"Remark", 100},  {"File No.", 80}, {"File Path", 0}};
     for (const auto& [header, width] : columns)
         list->addColumn(QString::fromLatin1(header), width);
     list->header()->setSectionsMovable(false);
