@@ -4,6 +4,7 @@
 #include "app/MDI.h"
 #include "app/Startup.h"
 #include "index/frmIndexDocument.h"
+#include "index/frmSearchDocument.h"
 #include "platform/Controls.h"
 #include "platform/Error.h"
 #include "platform/TestHooks.h"
@@ -65,8 +66,8 @@ class PaintWatch : public QObject {
     const platform::ListView* m_list;
 };
 
-template <class T> T* control(const char* name) {
-    T* found = frmIndexDocument::instance().control<T>(QString::fromLatin1(name));
+template <class T> T* control(const char* name, const Form& form = frmIndexDocument::instance()) {
+    T* found = form.control<T>(QString::fromLatin1(name));
     if (!found)
         throw StepFailed{QStringLiteral("the screen has no control %1").arg(QLatin1String(name))};
     return found;
@@ -111,6 +112,59 @@ void save(const char* step) {
         throw StepFailed{QStringLiteral("%1 showed: %2")
                              .arg(QLatin1String(step), shown.isEmpty() ? QStringLiteral("nothing") : shown)};
     report(step, ms);
+}
+
+// Presses Search with the criteria set, and times the first rows and the whole list as Edit's
+// are timed. The statement goes to the parent, which runs it in the sqlite3 shell.
+void timeSearch(const char* step, const std::function<void()>& criteria) {
+    auto& screen = frmSearchDocument::instance();
+    screen.ResetSearchForm();
+    criteria();
+    expectNoMessage("choosing the criteria");
+    auto* list = control<platform::ListView>("lstList", screen);
+    PaintWatch paints(list);
+    list->viewport()->installEventFilter(&paints);
+    const auto pressed = Clock::now();
+    screen.cmdSearch_Click();
+    list->scrollToBottom();
+    const auto scrolled = Clock::now();
+    for (int i = 0; i < 100 && !(paints.latest && *paints.latest >= scrolled); ++i)
+        QCoreApplication::processEvents();
+    const auto ready = Clock::now();
+    expectNoMessage(step);
+    if (list->ListCount() == 0)
+        throw StepFailed{QStringLiteral("%1 found nothing").arg(QLatin1String(step))};
+    const QByteArray name(step);
+    if (paints.firstWithRows)
+        report((name + "-first").constData(), millisecondsSince(pressed, *paints.firstWithRows),
+               paints.peakAtFirstWithRows);
+    report((name + "-whole").constData(), millisecondsSince(pressed, ready));
+    std::printf("rows %s %d\n", step, list->ListCount());
+    std::printf("statement %s %s\n", step, qPrintable(screen.BuildSearchStatement()));
+    std::fflush(stdout);
+}
+
+void searchSteps() {
+    // The search's own peak: the list of the Index Document screen is gone, and the high-water
+    // mark starts again from what the process holds now.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    resetPeakMemory();
+    auto& screen = frmSearchDocument::instance();
+    screen.Show();
+    QCoreApplication::processEvents();
+    expectNoMessage("opening the search screen");
+    timeSearch("search-all", [] {});
+    // The first type and category (in the order of their names), over six years.
+    timeSearch("search-filtered", [&screen] {
+        control<platform::ComboBox>("cboDocType", screen)->setListIndex(0);
+        control<platform::ComboBox>("cboDocCategory", screen)->setListIndex(0);
+        control<platform::DatePicker>("dtpDocFrom", screen)->setValue(QDate(2010, 1, 1));
+        control<platform::DatePicker>("dtpDocTo", screen)->setValue(QDate(2015, 12, 31));
+    });
+    // A number in the first title: a few rows in a thousand at most.
+    timeSearch("search-contains",
+               [&screen] { control<QLineEdit>("txtTitle1", screen)->setText(QStringLiteral("4471")); });
+    screen.Unload();
 }
 
 void run(int documents) {
@@ -164,8 +218,9 @@ void run(int documents) {
     form.cmd_Click(0);
     fillFields(QStringLiteral("Letter from Müller & Söhne about the new supplier terms"));
     save("save-new");
-
     form.Unload();
+
+    searchSteps();
     MDI::instance().Unload();
 }
 

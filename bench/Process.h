@@ -31,5 +31,7 @@ bool warmFile(const QString& path);
 
 // The peak resident memory of this process so far, in KiB (VmHWM), or 0 when unknown.
 long peakMemoryKiB();
+// Starts the process's high-water mark of resident memory again from what it holds now.
+void resetPeakMemory();
 
 } // namespace bench

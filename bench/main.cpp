@@ -6,6 +6,8 @@
 #include "Driver.h"
 #include "Office.h"
 #include "Process.h"
+#include "datastore/Dialect.h"
+#include "datastore/Engine.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -24,6 +26,7 @@ const char* const ListStatement = "Select * from Vorlane order by DocDate desc;"
 struct ScreenRun {
     QMap<QByteArray, QPair<double, long>> steps; // name -> milliseconds, peak KiB so far
     QByteArray key;
+    QMap<QByteArray, QString> statements; // search step -> the statement the screen built
     QStringList failures;
     long peakKiB = 0;
 };
@@ -33,6 +36,7 @@ struct SizeResult {
     ScreenRun screen;
     bench::Run shellList;
     bench::Run shellLoad;
+    QMap<QByteArray, bench::Run> shellSearches; // search step -> the shell on its statement
 };
 
 void out(const QString& line) {
@@ -56,6 +60,8 @@ ScreenRun parseScreen(const bench::Run& run) {
             s.steps.insert(words[1], {words[2].toDouble(), words[3].toLong()});
         else if (words.size() == 2 && words[0] == "key")
             s.key = words[1];
+        else if (words.size() > 2 && words[0] == "statement")
+            s.statements.insert(words[1], QString::fromUtf8(line.mid(words[0].size() + words[1].size() + 2)));
         else if (line.startsWith("fail "))
             s.failures << QString::fromUtf8(line.mid(5));
     }
@@ -63,7 +69,12 @@ ScreenRun parseScreen(const bench::Run& run) {
         s.failures << run.error;
     else if (run.exitCode != 0 && s.failures.isEmpty())
         s.failures << QStringLiteral("the screen's process ended with code %1").arg(run.exitCode);
-    s.peakKiB = run.peakKiB;
+    // The highest of the peaks the steps saw: the process starts its high-water mark again
+    // between the two screens, so each screen's own peak counts.
+    for (const auto& step : std::as_const(s.steps))
+        s.peakKiB = std::max(s.peakKiB, step.second);
+    if (s.peakKiB == 0)
+        s.peakKiB = run.peakKiB;
     return s;
 }
 
@@ -121,6 +132,17 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
          QStringLiteral("Select * from Vorlane where IndexID=%1;").arg(QString::fromLatin1(key))},
         false);
 
+    // The shell runs each search's statement as the data layer hands it to the engine.
+    for (auto it = r.screen.statements.cbegin(); it != r.screen.statements.cend(); ++it) {
+        const bench::Run run =
+            bench::runProgram({QStringLiteral("sqlite3"), QStringLiteral("-batch"), database,
+                               db::defaultDialect().translate(it.value()) + QLatin1Char(';')},
+                              false);
+        r.shellSearches.insert(it.key(), run);
+        if (const QString f = shellFailure(run, it.key().constData()); !f.isEmpty())
+            failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), f);
+    }
+
     const int before = failures.size();
     for (const QString& f : r.screen.failures)
         failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), f);
@@ -173,20 +195,31 @@ void printTable(const QList<SizeResult>& results) {
             QString caption;
             const bench::Run* shell;
         };
-        const Row rows[] = {{"first-rows", QStringLiteral("Edit: first rows"), nullptr},
-                            {"whole-list", QStringLiteral("Edit: whole list"), &r.shellList},
-                            {"load", QStringLiteral("Double click: load"), &r.shellLoad},
-                            {"save-change", QStringLiteral("Save: changed row"), nullptr},
-                            {"save-new", QStringLiteral("Save: new row"), nullptr}};
+        const auto shell = [&r](const char* step) {
+            const auto it = r.shellSearches.constFind(QByteArray(step));
+            return it == r.shellSearches.cend() ? nullptr : &it.value();
+        };
+        const Row rows[] = {
+            {"first-rows", QStringLiteral("Edit: first rows"), nullptr},
+            {"whole-list", QStringLiteral("Edit: whole list"), &r.shellList},
+            {"load", QStringLiteral("Double click: load"), &r.shellLoad},
+            {"save-change", QStringLiteral("Save: changed row"), nullptr},
+            {"save-new", QStringLiteral("Save: new row"), nullptr},
+            {"search-all-first", QStringLiteral("Search all: first"), nullptr},
+            {"search-all-whole", QStringLiteral("Search all: whole"), shell("search-all")},
+            {"search-filtered-whole", QStringLiteral("Search type+cat+date"), shell("search-filtered")},
+            {"search-contains-whole", QStringLiteral("Search title contains"), shell("search-contains")}};
         for (const Row& row : rows) {
             const bool have = r.screen.steps.contains(row.key);
             const double ms = r.screen.steps.value(row.key).first;
             const bool shellOk = row.shell && row.shell->ok();
             const double shellMs = shellOk ? row.shell->seconds * 1000 : 0;
             QString goal;
-            if (have && row.key == "first-rows")
+            if (have && (row.key.endsWith("first") || row.key == "first-rows"))
                 goal = QStringLiteral("<= 300 ms: ") + verdict(ms <= 300);
-            else if (have && shellOk && row.key == "whole-list")
+            else if (have && row.key == "search-contains-whole")
+                goal = QStringLiteral("<= 150 ms: ") + verdict(ms <= 150);
+            else if (have && shellOk && (row.key == "whole-list" || row.key.startsWith("search")))
                 goal = QStringLiteral("<= 1.5x: ") + verdict(ms <= 1.5 * shellMs);
             else if (have && row.key.startsWith("save"))
                 goal = QStringLiteral("< 20 ms: ") + verdict(ms < 20);
@@ -203,8 +236,8 @@ void printTable(const QList<SizeResult>& results) {
                  QStringLiteral("< 300 MB: ") + verdict(double(r.screen.peakKiB) * 1024 < 300e6));
     }
     out(QStringLiteral(
-        "Goals, shown and not checked: first rows <= 0.3 s, whole list <= 1.5x the sqlite3 shell, "
-        "peak < 300 MB, save < 20 ms."));
+        "Goals, shown and not checked: first rows <= 0.3 s, whole list and searches <= 1.5x the sqlite3 "
+        "shell, a contains-search <= 150 ms, peak < 300 MB, save < 20 ms."));
     out(QStringLiteral(
         "Times are wall clock of one run each, on a warm cache; the peaks are the resident memory "
         "of the whole process so far."));
