@@ -331,6 +331,18 @@ QVariant Recordset::Fields(const QString& name) const {
     return m_impl->value(FieldIndex(name));
 }
 
+bool Recordset::FieldUtf8(int index, QByteArray& text) const {
+    const Impl& d = *m_impl;
+    if (!d.streaming)
+        return utf8Text(d.value(index), text);
+    d.requireOpen();
+    if (index < 0 || index >= d.names.size())
+        throw platform::Error(ErrItemNotFound, TextItemNotFound);
+    if (d.atEnd())
+        throw platform::Error(ErrNoCurrentRecord, TextNoCurrentRecord);
+    return d.cursor->utf8(index, text);
+}
+
 int Recordset::FieldIndex(const QString& name) const {
     m_impl->requireOpen();
     const int index = m_impl->fieldIndex(name);

@@ -113,6 +113,9 @@ class Recordset {
     // QString. Throws ErrItemNotFound for an unknown field and ErrNoCurrentRecord at EOF/BOF.
     QVariant Fields(const QString& name) const;
     QVariant Fields(int index) const;
+    // The text of a field of the current row in UTF-8, as the engine holds it; false for a
+    // Null. For readers that keep many rows of texts.
+    bool FieldUtf8(int index, QByteArray& text) const;
     // The position of a field by name, without regard to case; ErrItemNotFound when unknown.
     int FieldIndex(const QString& name) const;
 

@@ -4,6 +4,8 @@
 #include "OdbcSource.h"
 #include "SqliteEngine.h"
 
+#include <QDate>
+
 namespace db {
 
 namespace {
@@ -27,6 +29,18 @@ class ReadCursor : public Cursor {
 };
 
 } // namespace
+
+bool utf8Text(const QVariant& value, QByteArray& text) {
+    if (!value.isValid() || value.isNull())
+        return false;
+    text = value.typeId() == QMetaType::QDate ? value.toDate().toString(Qt::ISODate).toUtf8()
+                                              : value.toString().toUtf8();
+    return true;
+}
+
+bool Cursor::utf8(int column, QByteArray& text) const {
+    return utf8Text(value(column), text);
+}
 
 std::unique_ptr<Cursor> Engine::query(const QString& text) {
     return std::make_unique<ReadCursor>(select(text));

@@ -30,7 +30,13 @@ class Cursor {
     virtual bool next() = 0;
     // A value of the current row, typed as in Rows.
     virtual QVariant value(int column) const = 0;
+    // The text of a value of the current row in UTF-8, for readers that keep texts as such;
+    // false for a Null. A date gives its ISO form.
+    virtual bool utf8(int column, QByteArray& text) const;
 };
+
+// The text of a value in UTF-8 (a date in its ISO form); false for a Null.
+bool utf8Text(const QVariant& value, QByteArray& text);
 
 // Named values of one new row, in the order they were given.
 using FieldValues = QVector<QPair<QString, QVariant>>;

@@ -11,6 +11,7 @@
 #include <QSqlError>
 #include <QUrl>
 
+#include <cstring>
 #include <sqlite3.h>
 
 namespace db {
@@ -113,6 +114,17 @@ class SqliteCursor : public Cursor {
                 return QVariant(date);
         }
         return QVariant(QString::fromUtf8(reinterpret_cast<const char*>(text), length));
+    }
+
+    bool utf8(int column, QByteArray& text) const override {
+        if (sqlite3_column_type(m_statement, column) == SQLITE_NULL)
+            return false;
+        // The file keeps its texts in UTF-8: they are taken as they lie.
+        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+        const int length = sqlite3_column_bytes(m_statement, column);
+        text.resize(length); // keeps the buffer of the last value
+        std::memcpy(text.data(), bytes, size_t(length));
+        return true;
     }
 
   private:

@@ -2,12 +2,12 @@
 
 #include "datastore/Ado.h"
 #include "platform/Conversions.h"
+#include "platform/Error.h"
 #include "session/GenMod.h"
 
 #include <QCoreApplication>
 #include <QDate>
 #include <QLocale>
-#include <QStringEncoder>
 #include <limits>
 
 namespace {
@@ -38,43 +38,34 @@ quint32 takeLength(const char*& p) {
     }
 }
 
-// The work buffer of the encoder, kept between rows.
-QByteArray& encoded() {
-    static QByteArray buffer;
-    return buffer;
-}
-
-void putValue(QByteArray& out, const QVariant& value) {
-    if (value.typeId() == QMetaType::QDate) {
-        const qint64 day = value.toDate().toJulianDay();
-        if (day >= std::numeric_limits<qint32>::min() && day <= std::numeric_limits<qint32>::max()) {
-            const auto number = quint32(qint32(day));
-            out.append(char(DateValue));
-            for (int shift = 0; shift < 32; shift += 8)
-                out.append(char((number >> shift) & 0xff));
-            return;
-        }
-    }
-    const QString text = value.toString();
-    // Encoded straight into the row: at most three bytes for each UTF-16 unit.
-    QByteArray& utf8 = encoded();
-    utf8.resize(text.size() * 3);
-    QStringEncoder encoder(QStringEncoder::Utf8);
-    const char* end = encoder.appendToBuffer(utf8.data(), text);
-    const auto length = quint32(end - utf8.constData());
-    out.append(char(TextValue));
-    putLength(out, length);
-    out.append(utf8.constData(), qsizetype(length));
-}
-
 } // namespace
 
 DocumentRows::DocumentRows(int columns, QObject* parent) : platform::ListRows(parent), m_columns(columns) {}
 
-void DocumentRows::append(const QVariant* values) {
+void DocumentRows::beginRow() {
     m_scratch.clear();
-    for (int c = 0; c < m_columns; ++c)
-        putValue(m_scratch, values[c]);
+}
+
+void DocumentRows::addText(QByteArrayView utf8) {
+    m_scratch.append(char(TextValue));
+    putLength(m_scratch, quint32(utf8.size()));
+    m_scratch.append(utf8);
+}
+
+void DocumentRows::addDate(const QDate& date) {
+    const qint64 day = date.toJulianDay();
+    if (!date.isValid() || day < std::numeric_limits<qint32>::min() ||
+        day > std::numeric_limits<qint32>::max()) {
+        addText(date.toString(Qt::ISODate).toUtf8());
+        return;
+    }
+    const auto number = quint32(qint32(day));
+    m_scratch.append(char(DateValue));
+    for (int shift = 0; shift < 32; shift += 8)
+        m_scratch.append(char((number >> shift) & 0xff));
+}
+
+void DocumentRows::endRow() {
     if (m_blocks.isEmpty() || m_blocks.last().capacity() - m_blocks.last().size() < m_scratch.size()) {
         QByteArray block;
         block.reserve(qMax(BlockSize, m_scratch.size()));
@@ -136,6 +127,16 @@ QString DocumentRows::text(int row, int column) const {
 namespace {
 // The rows that a list shows before it reads the rest.
 constexpr int FirstRows = 100;
+
+// A text without the white space at its ends, as a trimmed string has it.
+QByteArray trimmed(const QByteArray& utf8) {
+    if (utf8.isEmpty())
+        return utf8;
+    // A character outside ASCII at an end may be white space of its own kind.
+    if (quint8(utf8.front()) >= 0x80 || quint8(utf8.back()) >= 0x80)
+        return QString::fromUtf8(utf8).trimmed().toUtf8();
+    return utf8.trimmed();
+}
 } // namespace
 
 void readDocuments(platform::ListView* list, const QString& statement, const QList<ShownField>& fields) {
@@ -147,17 +148,25 @@ void readDocuments(platform::ListView* list, const QString& statement, const QLi
     std::vector<int> position;
     for (const ShownField& field : fields)
         position.push_back(rs.FieldIndex(QString::fromLatin1(field.name)));
-    std::vector<QVariant> values(fields.size());
+    QByteArray text;
     try {
         for (; !rs.eof(); rs.MoveNext()) {
+            rows->beginRow();
             for (qsizetype c = 0; c < fields.size(); ++c) {
-                const QVariant value = rs.Fields(position[size_t(c)]);
-                values[size_t(c)] =
-                    fields[c].date && value.typeId() == QMetaType::QDate
-                        ? value
-                        : QVariant(fields[c].date ? platform::CStr(value) : platform::TrimStr(value));
+                const int at = position[size_t(c)];
+                if (fields[c].date) {
+                    const QVariant value = rs.Fields(at);
+                    if (value.typeId() == QMetaType::QDate)
+                        rows->addDate(value.toDate());
+                    else
+                        rows->addText(platform::CStr(value).toUtf8());
+                    continue;
+                }
+                if (!rs.FieldUtf8(at, text))
+                    throw platform::invalidUseOfNull();
+                rows->addText(trimmed(text));
             }
-            rows->append(values.data());
+            rows->endRow();
             if (rows->appended() == FirstRows) {
                 rows->publish();
                 list->show();

@@ -3,6 +3,8 @@
 #include "platform/Controls.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
+#include <QDate>
 #include <QList>
 #include <QVariant>
 #include <vector>
@@ -19,9 +21,12 @@ class DocumentRows : public platform::ListRows {
     DocumentRows(int columns, QObject* parent);
 
     int columns() const { return m_columns; }
-    // Appends a row of columns() values: a date is a QDate, shown as "dd/MMM/yyyy" in the
-    // running system's language; any other value is shown as its text.
-    void append(const QVariant* values);
+    // Appends a row, its columns() values one by one between beginRow and endRow: a text in
+    // UTF-8, or a date, shown as "dd/MMM/yyyy" in the running system's language.
+    void beginRow();
+    void addText(QByteArrayView utf8);
+    void addDate(const QDate& date);
+    void endRow();
     // Makes the rows appended so far visible to the list view.
     void publish();
     // Removes all rows.

@@ -9,10 +9,11 @@
 
 namespace platform {
 
-namespace {
 Error invalidUseOfNull() {
     return Error(94, QStringLiteral("Invalid use of Null"));
 }
+
+namespace {
 Error typeMismatch() {
     return Error(ErrTypeMismatch, QStringLiteral("Type mismatch"));
 }

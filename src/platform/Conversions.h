@@ -8,6 +8,9 @@
 // Each throws platform::Error with the platform's number where a conversion fails.
 namespace platform {
 
+// The error of a Null used where a value is needed: 94 "Invalid use of Null".
+class Error;
+Error invalidUseOfNull();
 // Text of a value; a Null (invalid or null QVariant) fails with 94 "Invalid use of Null".
 QString CStr(const QVariant& value);
 // Trimmed text of a value; fails on Null like CStr.
