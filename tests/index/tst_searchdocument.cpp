@@ -236,6 +236,17 @@ class TestSearchDocument : public QObject {
         QVERIFY(form().QueryDescription.isEmpty());
     }
 
+    // A criterion of any length is searched or refused with a message, and the screen goes on.
+    void aVeryLongCriterion() {
+        ctl<QLineEdit>("txtRemarks")->setText(QString(10000, QLatin1Char('r')));
+        search();
+        QVERIFY(messages().size() <= 1);
+        QCOMPARE(rows(), QStringList());
+        ctl<QLineEdit>("txtRemarks")->setText(QStringLiteral("rent"));
+        search();
+        QCOMPARE(rows().size(), 1);
+    }
+
     // A document whose file is gone has no file number: the list ends before it.
     void aDocumentWithoutItsFileEndsTheList() {
         env->exec("update Vorlane set FileID=99 where IndexID=3");
