@@ -95,16 +95,6 @@ struct FoldVariants {
     QHash<char32_t, QVector<char32_t>> variants;
 };
 
-// Every code point but the surrogates, in order.
-QVector<char32_t> allCodePoints() {
-    QVector<char32_t> out;
-    out.reserve(0x110000 - 0x800);
-    for (char32_t c = 1; c < 0x110000; ++c)
-        if (c < 0xD800 || c > 0xDFFF)
-            out.push_back(c);
-    return out;
-}
-
 // The trigram tokenizer's folding of each of `characters`, or an empty list when the engine
 // cannot tell.
 QVector<char32_t> tokenizerFolding(const QVector<char32_t>& characters) {
@@ -165,24 +155,18 @@ QVector<char32_t> tokenizerFolding(const QVector<char32_t>& characters) {
 
 FoldVariants computeFoldVariants() {
     FoldVariants result;
-    const QVector<char32_t> characters = allCodePoints();
-    // The like's folding, done as the like does it: on a whole text.
-    const QList<uint> likeFolded =
-        QString::fromUcs4(characters.constData(), characters.size()).toCaseFolded().toUcs4();
-    if (likeFolded.size() != characters.size())
-        return result; // a folding that changes lengths: no index search can be trusted
-    const auto foldOf = [&](char32_t c) -> char32_t {
-        return likeFolded[c < 0xD800 ? int(c) - 1 : int(c) - 1 - 0x800];
-    };
-
-    // The groups of characters that the like takes for one another.
+    // The groups of characters that the like takes for one another: those of the same folding.
+    // Qt folds a text character by character, each as QChar::toCaseFolded folds it.
     QHash<char32_t, QVector<char32_t>> groups;
-    for (int i = 0; i < characters.size(); ++i)
-        if (likeFolded[i] != characters[i])
-            groups[likeFolded[i]].push_back(characters[i]);
+    for (char32_t c = 1; c < 0x110000; ++c) {
+        if (c >= 0xD800 && c <= 0xDFFF)
+            continue;
+        if (const char32_t folded = QChar::toCaseFolded(c); folded != c)
+            groups[folded].push_back(c);
+    }
     QVector<char32_t> members;
     for (auto it = groups.begin(); it != groups.end(); ++it) {
-        if (it.key() != 0 && (it.key() < 0xD800 || it.key() > 0xDFFF) && foldOf(it.key()) == it.key())
+        if (QChar::toCaseFolded(it.key()) == it.key())
             it.value().push_back(it.key());
         members += it.value();
     }

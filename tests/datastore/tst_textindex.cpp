@@ -180,6 +180,7 @@ class TextIndexTest : public QObject {
     void seatsOpeningTogetherBuildItOnce();
     void seatThatCannotBuildItReadsEveryRow();
     void indexIsNoTableOfTheSystem();
+    void likeFoldsEachCharacterAlone();
 
   private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -466,6 +467,22 @@ void TextIndexTest::indexIsNoTableOfTheSystem() {
     rs.Open(QStringLiteral("Select * from Vorlane"), c, db::adOpenStatic, db::adLockReadOnly);
     QCOMPARE(rs.FieldCount(), int(db::findTable(QStringLiteral("Vorlane"))->columns.size()));
     QCOMPARE(rs.Fields(QStringLiteral("Remarks")).toString(), QStringLiteral("r"));
+}
+
+void TextIndexTest::likeFoldsEachCharacterAlone() {
+    // The index's query is planned character by character; the like folds whole texts. Every
+    // character of a text must fold as it does alone.
+    QVector<char32_t> characters;
+    for (char32_t c = 1; c < 0x110000; ++c)
+        if (c < 0xD800 || c > 0xDFFF)
+            characters << c;
+    const QList<uint> folded =
+        QString::fromUcs4(characters.constData(), characters.size()).toCaseFolded().toUcs4();
+    QCOMPARE(folded.size(), characters.size());
+    for (int i = 0; i < characters.size(); ++i)
+        if (folded[i] != QChar::toCaseFolded(characters[i]))
+            QFAIL(
+                qPrintable(QStringLiteral("U+%1 folds otherwise in a text").arg(uint(characters[i]), 0, 16)));
 }
 
 QTEST_GUILESS_MAIN(TextIndexTest)
