@@ -81,8 +81,8 @@ struct SaveTimes {
 };
 
 // Saves as the Index Document screen saves, each its own transaction: `count` new documents
-// from `firstKey` on, then as many changed titles.
-void timeSaves(db::Engine& engine, qint64 firstKey, int count, SaveTimes& times) {
+// from `firstKey` on, then as many changed titles of documents among the first `existing`.
+void timeSaves(db::Engine& engine, qint64 firstKey, qint64 existing, int count, SaveTimes& times) {
     const db::SqliteDialect plain;
     const auto save = [&](const QString& statement) {
         QElapsedTimer timer;
@@ -103,7 +103,7 @@ void timeSaves(db::Engine& engine, qint64 firstKey, int count, SaveTimes& times)
             QStringLiteral("Update Vorlane set Title1='Letter %1 from Summit Legal about tax "
                            "assessment', Remarks='Filed late' where IndexID=%2")
                 .arg(firstKey + i)
-                .arg(1000 + (firstKey + i) % 997 * 997));
+                .arg(1 + (firstKey + i) * 7919 % existing));
 }
 
 } // namespace
@@ -185,19 +185,20 @@ int main(int argc, char** argv) {
 
         // With and without the index's triggers in turns, so that both meet the same disk; once as
         // the program saves, once without waiting for the disk (the work of the engine alone).
-        qint64 next =
-            engine->select(QStringLiteral("SELECT max(IndexID) + 1 FROM Vorlane")).values[0][0].toLongLong();
+        const qint64 existing =
+            engine->select(QStringLiteral("SELECT max(IndexID) FROM Vorlane")).values[0][0].toLongLong();
+        qint64 next = existing + 1;
         const QStringList triggers = db::textIndexStatements().mid(1);
         out(QString());
         for (const char* synchronous : {"FULL", "OFF"}) {
             engine->execute(QStringLiteral("PRAGMA synchronous=%1").arg(QLatin1String(synchronous)));
             SaveTimes with, without;
             for (int round = 0; round < 6; ++round) {
-                timeSaves(*engine, next, 10, with);
+                timeSaves(*engine, next, existing, 10, with);
                 next += 10;
                 for (const char* name : {"VorlaneTextInsert", "VorlaneTextDelete", "VorlaneTextUpdate"})
                     engine->execute(QStringLiteral("DROP TRIGGER \"%1\"").arg(QLatin1String(name)));
-                timeSaves(*engine, next, 10, without);
+                timeSaves(*engine, next, existing, 10, without);
                 next += 10;
                 for (const QString& sql : triggers)
                     engine->execute(sql);
