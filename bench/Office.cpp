@@ -515,13 +515,20 @@ void generateDatabase(const QString& path, int documents) {
     db.exec("PRAGMA journal_mode=OFF");
     db.exec("PRAGMA synchronous=OFF");
     db.exec("PRAGMA cache_size=-262144");
-    // The indexes of the documents are built once after the rows, as the schema defines them.
+    // The indexes of the documents are built once after the rows, as the schema defines them; so
+    // is the contains-search index, whose triggers would otherwise add each row to it.
     const std::vector<std::string> indexes = db.column(
         "select sql from sqlite_master where type='index' and tbl_name='Vorlane' and sql is not null");
     const std::vector<std::string> names = db.column(
         "select name from sqlite_master where type='index' and tbl_name='Vorlane' and sql is not null");
     for (const std::string& name : names)
         db.exec("drop index \"" + name + "\"");
+    const std::vector<std::string> triggers =
+        db.column("select sql from sqlite_master where type='trigger' and tbl_name='Vorlane'");
+    const std::vector<std::string> triggerNames =
+        db.column("select name from sqlite_master where type='trigger' and tbl_name='Vorlane'");
+    for (const std::string& name : triggerNames)
+        db.exec("drop trigger \"" + name + "\"");
 
     Random random(0x566f726c616e65ULL + std::uint64_t(documents));
     db.exec("BEGIN");
@@ -530,6 +537,9 @@ void generateDatabase(const QString& path, int documents) {
     insertDocuments(db, random, documents, tree, files);
     db.exec("COMMIT");
     for (const std::string& sql : indexes)
+        db.exec(sql);
+    db.exec("insert into VorlaneText(VorlaneText) values('rebuild')");
+    for (const std::string& sql : triggers)
         db.exec(sql);
 }
 

@@ -1,6 +1,7 @@
 #include "Schema.h"
 
 #include "Errors.h"
+#include "TextIndex.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 
@@ -167,7 +168,7 @@ QStringList creationStatements() {
         out << QStringLiteral("CREATE TABLE \"%1\" (%2)").arg(t.name, cols.join(QStringLiteral(", ")));
     }
     // Searches filter and order by the dates and the classification keys. Text columns get no
-    // index: the connections fold their case with a collation of their own.
+    // ordinary index: the connections fold their case with a collation of their own.
     const char* const indexes[][2] = {
         {"Vorlane", "DocDate"},
         {"Vorlane", "FollowupDate"},
@@ -183,6 +184,8 @@ QStringList creationStatements() {
     for (const auto& ix : indexes)
         out << QStringLiteral("CREATE INDEX \"ix%1%2\" ON \"%1\" (\"%2\")")
                    .arg(QLatin1String(ix[0]), QLatin1String(ix[1]));
+    // The contains-search of the four texts of the documents goes through an index of their own.
+    out << textIndexStatements();
     return out;
 }
 

@@ -2,6 +2,12 @@
 #include "Errors.h"
 #include "Schema.h"
 #include "SqlText.h"
+#include "TextIndex.h"
+
+#include <QHash>
+#include <QSet>
+#include <functional>
+#include <initializer_list>
 
 namespace db {
 
@@ -142,6 +148,216 @@ void convertUpdateDates(QVector<Token>& tokens, int start) {
     }
 }
 
+// ---------------------------------------------------------------------------------------------
+// The contains-search index for `like` on the texts of the documents.
+
+bool isPunct(const Token& t, const char* text) {
+    return t.kind == TokenKind::Punct && t.text == QLatin1String(text);
+}
+
+// Index of the token before `i` that is not blank; -1 when none.
+int previousToken(const QVector<Token>& tokens, int i) {
+    for (--i; i >= 0; --i)
+        if (tokens[i].kind != TokenKind::Space)
+            return i;
+    return -1;
+}
+
+bool isAnyKeyword(const Token& t, std::initializer_list<const char*> keywords) {
+    for (const char* k : keywords)
+        if (sql::isKeyword(t, k))
+            return true;
+    return false;
+}
+
+// Which qualifiers of the statement name Vorlane, and which other tables it reads. Every name of
+// a table that is not part of a qualified column is taken for a use of that table.
+class TableUses {
+  public:
+    explicit TableUses(const QVector<Token>& tokens) {
+        for (int i = 0; i < tokens.size(); ++i) {
+            const Table* table = findTable(nameOf(tokens[i]));
+            const int before = previousToken(tokens, i);
+            const int after = skipSpace(tokens, i + 1);
+            if (!table || (before >= 0 && isPunct(tokens[before], ".")) ||
+                (after < tokens.size() && isPunct(tokens[after], ".")))
+                continue;
+            QString alias = table->name;
+            int a = after;
+            if (a < tokens.size() && sql::isKeyword(tokens[a], "as"))
+                a = skipSpace(tokens, a + 1);
+            if (a < tokens.size() && !nameOf(tokens[a]).isEmpty() && !endsTableName(tokens[a]))
+                alias = nameOf(tokens[a]);
+            m_uses[alias.toLower()].insert(table->name);
+            m_tables.insert(table->name);
+        }
+    }
+
+    // `qualifier` names Vorlane, and nothing else, in this statement.
+    bool namesVorlane(const QString& qualifier) const {
+        const QSet<QString> tables = m_uses.value(qualifier.toLower());
+        return tables.size() == 1 && tables.contains(QStringLiteral("Vorlane"));
+    }
+
+    // A column of that name standing without qualifier can only be Vorlane's.
+    bool onlyVorlaneHas(const QString& column) const {
+        if (!m_tables.contains(QStringLiteral("Vorlane")))
+            return false;
+        for (const QString& name : m_tables) {
+            if (name == QLatin1String("Vorlane"))
+                continue;
+            for (const Column& c : findTable(name)->columns)
+                if (c.name.compare(column, Qt::CaseInsensitive) == 0)
+                    return false;
+        }
+        return true;
+    }
+
+  private:
+    static bool endsTableName(const Token& t) {
+        return isAnyKeyword(t, {"where",   "left",    "right",   "full",      "inner",  "outer", "cross",
+                                "natural", "join",    "on",      "using",     "order",  "group", "having",
+                                "limit",   "union",   "except",  "intersect", "window", "set",   "values",
+                                "select",  "default", "indexed", "not"});
+    }
+
+    QHash<QString, QSet<QString>> m_uses; // lower-case qualifier -> tables it names
+    QSet<QString> m_tables;
+};
+
+// The index of the ')' that closes the '(' at `open`; tokens.size() when none.
+int closingParenthesis(const QVector<Token>& tokens, int open) {
+    int depth = 0;
+    for (int i = open; i < tokens.size(); ++i) {
+        if (isPunct(tokens[i], "("))
+            ++depth;
+        else if (isPunct(tokens[i], ")") && --depth == 0)
+            return i;
+    }
+    return int(tokens.size());
+}
+
+bool opensFilter(const Token& t) {
+    return isAnyKeyword(t, {"where", "on", "having"});
+}
+
+// What may follow a term of a where, on or having clause.
+bool endsFilterTerm(const Token& t) {
+    return isPunct(t, ")") || isPunct(t, ",") ||
+           isAnyKeyword(t, {"and", "or", "order", "group", "limit", "having", "union", "except", "intersect",
+                            "window", "where", "join", "left", "right", "full", "inner", "cross", "natural"});
+}
+
+// True when tokens[first..last] is a term joined by and/or alone (through parentheses) to the
+// start of a where, on or having clause. The index test joined to the like by "and" is False
+// where the like is Null (a document without that text); only there does that select the same
+// rows as the like alone.
+bool isFilterTerm(const QVector<Token>& tokens, int first, int last) {
+    for (;;) {
+        const int next = skipSpace(tokens, last + 1);
+        if (next < tokens.size() && !endsFilterTerm(tokens[next]))
+            return false;
+        const int before = previousToken(tokens, first);
+        if (before < 0)
+            return false;
+        if (opensFilter(tokens[before]))
+            return true;
+        int open = -1;
+        if (isPunct(tokens[before], "(")) {
+            open = before;
+        } else if (sql::isKeyword(tokens[before], "and") || sql::isKeyword(tokens[before], "or")) {
+            // Back over the other terms to the clause or to the parenthesis around them.
+            bool connectivePassed = false;
+            int depth = 0;
+            for (int j = before - 1; j >= 0 && open < 0; --j) {
+                const Token& t = tokens[j];
+                if (t.kind == TokenKind::Space)
+                    continue;
+                if (isPunct(t, ")") || sql::isKeyword(t, "end")) {
+                    ++depth;
+                } else if (isPunct(t, "(") || sql::isKeyword(t, "case")) {
+                    if (depth == 0 && isPunct(t, "("))
+                        open = j;
+                    else if (depth == 0)
+                        return false;
+                    else
+                        --depth;
+                } else if (depth > 0) {
+                    continue;
+                } else if (opensFilter(t)) {
+                    return true;
+                } else if (sql::isKeyword(t, "and") || sql::isKeyword(t, "or")) {
+                    connectivePassed = true;
+                } else if (sql::isKeyword(t, "between") && !connectivePassed &&
+                           sql::isKeyword(tokens[before], "and")) {
+                    return false; // the "and" of a between
+                } else if (isPunct(t, ",") ||
+                           isAnyKeyword(t, {"select", "when", "then", "else", "by", "set", "values", "from",
+                                            "distinct", "all", "limit", "offset", "using", "returning"})) {
+                    return false;
+                }
+            }
+            if (open < 0)
+                return false;
+        } else {
+            return false;
+        }
+        first = open;
+        last = closingParenthesis(tokens, open);
+        if (last >= tokens.size())
+            return false;
+    }
+}
+
+// Text put before and after a like of the statement.
+struct LikeRewrite {
+    QString before;
+    QString after;
+};
+
+// Each `[<qualifier>.]<text column> like '<pattern>'` of a select that the index can serve, by
+// the index of its first and last token: the rows the index offers, and the like as written.
+QHash<int, LikeRewrite> textIndexRewrites(const QVector<Token>& tokens,
+                                          const std::function<QString(const Token&)>& translateToken) {
+    QHash<int, LikeRewrite> rewrites;
+    const int first = skipSpace(tokens, 0);
+    if (first >= tokens.size() || !sql::isKeyword(tokens[first], "select"))
+        return rewrites;
+    const TableUses uses(tokens);
+    for (int like = 0; like < tokens.size(); ++like) {
+        if (!sql::isKeyword(tokens[like], "like"))
+            continue;
+        const int column = previousToken(tokens, like);
+        const int pattern = skipSpace(tokens, like + 1);
+        if (column < 0 || pattern >= tokens.size() || tokens[pattern].kind != TokenKind::String)
+            continue;
+        const QString columnName = nameOf(tokens[column]);
+        if (!isIndexedTextColumn(columnName))
+            continue;
+        int start = column;
+        QString owner;
+        if (const int dot = previousToken(tokens, column); dot >= 0 && isPunct(tokens[dot], ".")) {
+            start = previousToken(tokens, dot);
+            if (start < 0 || !uses.namesVorlane(nameOf(tokens[start])))
+                continue;
+            owner = translateToken(tokens[start]) + QLatin1Char('.');
+        } else if (!uses.onlyVorlaneHas(columnName)) {
+            continue;
+        }
+        if (!isFilterTerm(tokens, start, pattern))
+            continue;
+        const QString query = textIndexQuery(sql::stringValue(tokens[pattern].text));
+        if (query.isEmpty())
+            continue;
+        const QString before =
+            QStringLiteral("(%1\"IndexID\" IN (SELECT rowid FROM \"%2\" WHERE %3 MATCH %4) AND ")
+                .arg(owner, QLatin1String(TextIndexTable), quotedName(columnName), sql::quoteString(query));
+        rewrites[start].before += before;
+        rewrites[pattern].after += QStringLiteral(")");
+    }
+    return rewrites;
+}
+
 } // namespace
 
 QString SqliteDialect::translate(const QString& statement) const {
@@ -165,32 +381,39 @@ QString SqliteDialect::translate(const QString& statement) const {
             convertUpdateDates(tokens, first);
     }
 
-    QString out;
-    out.reserve(statement.size() + 32);
-    for (const Token& t : tokens) {
+    const auto translateToken = [](const Token& t) -> QString {
         switch (t.kind) {
         case TokenKind::Word:
-            out += isSchemaName(t.text) ? quotedName(t.text) : t.text;
-            break;
+            return isSchemaName(t.text) ? quotedName(t.text) : t.text;
         case TokenKind::Bracketed:
-            out += quotedName(t.text);
-            break;
+            return quotedName(t.text);
         case TokenKind::Quoted:
             // Double quotes enclose a text for the screens, unless they name a table or column.
-            out += isSchemaName(t.text) ? quotedName(t.text) : sql::quoteString(t.text);
-            break;
+            return isSchemaName(t.text) ? quotedName(t.text) : sql::quoteString(t.text);
         case TokenKind::DateLiteral: {
             const auto date = sql::parseScreenDate(t.text);
             if (!date)
                 refuse(QStringLiteral("Syntax error in date in query expression '#%1#'.").arg(t.text));
-            out += QLatin1Char('\'') + date->toString(Qt::ISODate) + QLatin1Char('\'');
-            break;
+            return QLatin1Char('\'') + date->toString(Qt::ISODate) + QLatin1Char('\'');
         }
         case TokenKind::Semicolon:
-            break;
+            return QString();
         default:
-            out += t.text;
+            return t.text;
         }
+    };
+
+    const QHash<int, LikeRewrite> rewrites =
+        m_textIndex ? textIndexRewrites(tokens, translateToken) : QHash<int, LikeRewrite>();
+    QString out;
+    out.reserve(statement.size() + 32);
+    for (int i = 0; i < tokens.size(); ++i) {
+        const auto rewrite = rewrites.constFind(i);
+        if (rewrite != rewrites.cend())
+            out += rewrite->before;
+        out += translateToken(tokens[i]);
+        if (rewrite != rewrites.cend())
+            out += rewrite->after;
     }
     return out;
 }

@@ -4,6 +4,7 @@
 #include "Errors.h"
 #include "Schema.h"
 #include "SqliteFolding.h"
+#include "TextIndex.h"
 
 #include <QDate>
 #include <QFileInfo>
@@ -136,8 +137,9 @@ class SqliteCursor : public Cursor {
 
 } // namespace
 
-SqliteEngine::SqliteEngine(SqlStore store)
-    : QtSqlEngine(std::move(store), std::make_unique<SqliteDialect>()), m_handle(sqliteHandle(database())) {
+SqliteEngine::SqliteEngine(SqlStore store, SqliteDialect* dialect)
+    : QtSqlEngine(std::move(store), std::unique_ptr<Dialect>(dialect)), m_dialect(dialect),
+      m_handle(sqliteHandle(database())) {
     installUnicodeFolding(m_handle);
 }
 
@@ -156,7 +158,7 @@ std::unique_ptr<SqliteEngine> SqliteEngine::openEmbedded(int timeoutSeconds) {
     if (!store.database().open())
         throw platform::Error(ErrDataSourceNotFound, QStringLiteral("Cannot open the database file '%1': %2")
                                                          .arg(path, describe(store.database().lastError())));
-    std::unique_ptr<SqliteEngine> engine(new SqliteEngine(std::move(store)));
+    std::unique_ptr<SqliteEngine> engine(new SqliteEngine(std::move(store), new SqliteDialect()));
     // Opening succeeds on any file; reading the catalogue tells a database from anything else.
     QString failure;
     try {
@@ -170,6 +172,9 @@ std::unique_ptr<SqliteEngine> SqliteEngine::openEmbedded(int timeoutSeconds) {
     if (!failure.isNull())
         throw platform::Error(ErrDataSourceNotFound,
                               QStringLiteral("Cannot open the database file '%1': %2").arg(path, failure));
+    // Without the index (a seat that may not write the file, or one that found the file locked too
+    // long) every like reads all documents, as before the index existed.
+    engine->m_dialect->setTextIndex(openTextIndex(engine->m_handle) != TextIndexState::Unavailable);
     return engine;
 }
 

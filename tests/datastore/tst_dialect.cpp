@@ -10,6 +10,11 @@ QString translated(const QString& statement) {
     return db::SqliteDialect().translate(statement);
 }
 
+// The statement as a database with the contains-search index runs it.
+QString withIndex(const QString& statement) {
+    return db::SqliteDialect(true).translate(statement);
+}
+
 int refusal(const QString& statement) {
     try {
         db::SqliteDialect().translate(statement);
@@ -32,6 +37,10 @@ class DialectTest : public QObject {
     void quotedTextsAreLeftAlone();
     void refusedStatements_data();
     void refusedStatements();
+    void textSearchesLookInTheIndex_data();
+    void textSearchesLookInTheIndex();
+    void otherLikesReadEveryRow_data();
+    void otherLikesReadEveryRow();
 };
 
 void DialectTest::namesAreQuotedWithTheirSpelling_data() {
@@ -137,6 +146,104 @@ void DialectTest::refusedStatements_data() {
 void DialectTest::refusedStatements() {
     QFETCH(QString, statement);
     QCOMPARE(refusal(statement), db::ErrStatement);
+}
+
+void DialectTest::textSearchesLookInTheIndex_data() {
+    QTest::addColumn<QString>("in");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("the search screen's statement")
+        << "Select I.*,F.FileNumber from Vorlane I left join File F on F.FileID=I.FileID Where I.Title1 like "
+           "'%lease tax%' and I.CatID=3  order by I.DocDate"
+        << "Select I.*,F.\"FileNumber\" from \"Vorlane\" I left join \"File\" F on F.\"FileID\"=I.\"FileID\" "
+           "Where (I.\"IndexID\" IN (SELECT rowid FROM \"VorlaneText\" WHERE \"Title1\" MATCH '\"lease "
+           "tax\"') "
+           "AND I.\"Title1\" like '%lease tax%') and I.\"CatID\"=3  order by I.\"DocDate\"";
+    QTest::newRow("without an alias, after the dates")
+        << "Select * from Vorlane where DocDate >= #05-Mar-26# and remarks like '%paid by%'"
+        << "Select * from \"Vorlane\" where \"DocDate\" >= '2026-03-05' and (\"IndexID\" IN (SELECT rowid "
+           "FROM "
+           "\"VorlaneText\" WHERE \"Remarks\" MATCH '\"paid by\"') AND \"Remarks\" like '%paid by%')";
+    QTest::newRow("the table's own name as qualifier")
+        << "Select * from Vorlane where Vorlane.Bookmark like 'Invoice%'"
+        << "Select * from \"Vorlane\" where (\"Vorlane\".\"IndexID\" IN (SELECT rowid FROM \"VorlaneText\" "
+           "WHERE "
+           "\"Bookmark\" MATCH '\"Invoice\"') AND \"Vorlane\".\"Bookmark\" like 'Invoice%')";
+    QTest::newRow("each run of a wildcard pattern")
+        << "Select * from Vorlane I where I.Title2 like '%lease%t_x%due%'"
+        << "Select * from \"Vorlane\" I where (I.\"IndexID\" IN (SELECT rowid FROM \"VorlaneText\" WHERE "
+           "\"Title2\" "
+           "MATCH '\"lease\" AND \"due\"') AND I.\"Title2\" like '%lease%t_x%due%')";
+    QTest::newRow("quotes of both kinds inside the pattern")
+        << "Select * from Vorlane where Title1 like '%say \"hi\" to o''brien%'"
+        << "Select * from \"Vorlane\" where (\"IndexID\" IN (SELECT rowid FROM \"VorlaneText\" WHERE "
+           "\"Title1\" "
+           "MATCH '\"say \"\"hi\"\" to o''brien\"') AND \"Title1\" like '%say \"hi\" to o''brien%')";
+    QTest::newRow("inside parentheses and or")
+        << "Select * from Vorlane I where I.TypeID=1 and (I.Title1 like '%abc%' or I.Title2 like '%abc%')"
+        << "Select * from \"Vorlane\" I where I.\"TypeID\"=1 and ((I.\"IndexID\" IN (SELECT rowid FROM "
+           "\"VorlaneText\" WHERE \"Title1\" MATCH '\"abc\"') AND I.\"Title1\" like '%abc%') or "
+           "(I.\"IndexID\" "
+           "IN (SELECT rowid FROM \"VorlaneText\" WHERE \"Title2\" MATCH '\"abc\"') AND I.\"Title2\" like "
+           "'%abc%'))";
+    QTest::newRow("in a subquery's where")
+        << "Select FileNumber from File where FileID in (select FileID from Vorlane where Bookmark like "
+           "'%abc%')"
+        << "Select \"FileNumber\" from \"File\" where \"FileID\" in (select \"FileID\" from \"Vorlane\" "
+           "where "
+           "(\"IndexID\" IN (SELECT rowid FROM \"VorlaneText\" WHERE \"Bookmark\" MATCH '\"abc\"') AND "
+           "\"Bookmark\" like '%abc%'))";
+    QTest::newRow("after the and of a between")
+        << "Select * from Vorlane where DocDate between #01-Jan-26# and #31-Jan-26# and Title1 like '%abc%'"
+        << "Select * from \"Vorlane\" where \"DocDate\" between '2026-01-01' and '2026-01-31' and "
+           "(\"IndexID\" IN "
+           "(SELECT rowid FROM \"VorlaneText\" WHERE \"Title1\" MATCH '\"abc\"') AND \"Title1\" like "
+           "'%abc%')";
+}
+
+void DialectTest::textSearchesLookInTheIndex() {
+    QFETCH(QString, in);
+    QFETCH(QString, out);
+    QCOMPARE(withIndex(in), out);
+    // A database without the index reads every row.
+    QCOMPARE(translated(in).contains(QLatin1String("VorlaneText")), false);
+}
+
+void DialectTest::otherLikesReadEveryRow_data() {
+    QTest::addColumn<QString>("statement");
+    QTest::newRow("two letters") << "Select * from Vorlane I where I.Title1 like '%ta%'";
+    QTest::newRow("no three letters between wildcards")
+        << "Select * from Vorlane where Title1 like '%ab_cd%e%'";
+    QTest::newRow("only wildcards") << "Select * from Vorlane where Title1 like '%'";
+    QTest::newRow("a column without the index") << "Select * from Vorlane I where I.FilePath like '%scans%'";
+    QTest::newRow("the report's table") << "Select * from PrintSearchResult where Title1 like '%abc%'";
+    QTest::newRow("another table's remarks") << "Select * from Contacts C where C.Remarks like '%abc%'";
+    QTest::newRow("bare column of two tables")
+        << "Select * from Vorlane, PrintSearchResult P where Title1 like '%abc%'";
+    QTest::newRow("alias of two tables") << "Select * from Vorlane V where exists (select 1 from "
+                                            "PrintSearchResult V where V.Title1 like '%abc%')";
+    QTest::newRow("not like") << "Select * from Vorlane I where I.Title1 not like '%abc%'";
+    QTest::newRow("under not") << "Select * from Vorlane I where not I.Title1 like '%abc%'";
+    QTest::newRow("under not, in parentheses")
+        << "Select * from Vorlane I where I.TypeID=1 and not (I.CatID=2 or I.Title1 like '%abc%')";
+    QTest::newRow("compared") << "Select * from Vorlane I where I.Title1 like '%abc%' = 0";
+    QTest::newRow("is null") << "Select * from Vorlane I where I.Title1 like '%abc%' is null";
+    QTest::newRow("an escape character")
+        << "Select * from Vorlane I where I.Title1 like '%abc!%%' escape '!'";
+    QTest::newRow("a joined pattern") << "Select * from Vorlane I where I.Title1 like '%abc' || '%'";
+    QTest::newRow("a column as pattern") << "Select * from Vorlane I where I.Title1 like I.Title2";
+    QTest::newRow("in the select list") << "Select Title1 like '%abc%' from Vorlane";
+    QTest::newRow("in a case")
+        << "Select * from Vorlane where case when Title1 like '%abc%' then 1 else 0 end";
+    QTest::newRow("a function's argument") << "Select * from Vorlane where coalesce(Title1 like '%abc%', 1)";
+    QTest::newRow("the bounds of a between")
+        << "Select * from Vorlane where 1 between 0 and Title1 like '%abc%'";
+    QTest::newRow("a purge") << "Delete from Vorlane where Title1 like '%abc%'";
+    QTest::newRow("an update") << "Update Vorlane set Remarks='x' where Title1 like '%abc%'";
+}
+
+void DialectTest::otherLikesReadEveryRow() {
+    QFETCH(QString, statement);
+    QCOMPARE(withIndex(statement), translated(statement));
 }
 
 QTEST_GUILESS_MAIN(DialectTest)
