@@ -77,21 +77,9 @@ void frmDocChildCat::cmd_Click(int index) {
 // Refills the sub-categories of the chosen category, with none chosen. Also runs nested
 // inside LoadChildCategory, while the load's recordset is open.
 void frmDocChildCat::cboDocCategory_Click() {
-    auto* category = ui.cboDocCategory.get();
-    if (category->ListIndex() == -1)
-        return;
-    try {
-        if (!GenMod::OpenConnection())
-            return;
-        GenMod::FillCombo(QStringLiteral("SubCatID, SubCategory"),
-                          QStringLiteral("DocumentSubcategory where CatID=") +
-                              QString::number(category->ItemData(category->ListIndex())) +
-                              QStringLiteral(" order by SubCategory"),
-                          ui.cboDocSubCategory);
-        GenMod::CloseConnection();
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
+    refillBelow(ui.cboDocCategory, QStringLiteral("SubCatID, SubCategory"),
+                QStringLiteral("DocumentSubcategory where CatID="), QStringLiteral(" order by SubCategory"),
+                ui.cboDocSubCategory);
 }
 
 void frmDocChildCat::ResetChildCategoryForm() {

@@ -173,37 +173,15 @@ void frmIndexDocument::cmd_Click(int index) {
 // earlier sub-category in their box until a sub-category is chosen. Both also run nested
 // inside LoadDocument.
 void frmIndexDocument::cboDocCategory_Click() {
-    auto* category = ui.cboDocCategory.get();
-    if (category->ListIndex() == -1)
-        return;
-    try {
-        if (!GenMod::OpenConnection())
-            return;
-        GenMod::FillCombo(QStringLiteral("SubCatID, SubCategory"),
-                          QStringLiteral("DocumentSubCategory where CatID=") + key(category) +
-                              QStringLiteral(" order by SubCategory"),
-                          ui.cboDocSubCategory);
-        GenMod::CloseConnection();
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
+    refillBelow(ui.cboDocCategory, QStringLiteral("SubCatID, SubCategory"),
+                QStringLiteral("DocumentSubCategory where CatID="), QStringLiteral(" order by SubCategory"),
+                ui.cboDocSubCategory);
 }
 
 void frmIndexDocument::cboDocSubCategory_Click() {
-    auto* subCategory = ui.cboDocSubCategory.get();
-    if (subCategory->ListIndex() == -1)
-        return;
-    try {
-        if (!GenMod::OpenConnection())
-            return;
-        GenMod::FillCombo(QStringLiteral("ChildCatID, ChildCategory"),
-                          QStringLiteral("DocumentChildCategory where SubCatID=") + key(subCategory) +
-                              QStringLiteral(" order by ChildCategory"),
-                          ui.cboDocChildCategory);
-        GenMod::CloseConnection();
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
+    refillBelow(ui.cboDocSubCategory, QStringLiteral("ChildCatID, ChildCategory"),
+                QStringLiteral("DocumentChildCategory where SubCatID="),
+                QStringLiteral(" order by ChildCategory"), ui.cboDocChildCategory);
 }
 
 // Empties the text boxes, puts both dates at today and clears the choice of every drop-down

@@ -203,35 +203,13 @@ void frmSearchDocument::cmd_Click(int index) {
 // A new category refills the sub-categories only: the child list keeps its items and its
 // choice, which still counts in the search.
 void frmSearchDocument::cboDocCategory_Click() {
-    auto* category = ui.cboDocCategory.get();
-    if (category->ListIndex() == -1)
-        return;
-    try {
-        if (!GenMod::OpenConnection())
-            return;
-        GenMod::FillCombo(QStringLiteral("SubCatID, SubCategory"),
-                          QStringLiteral("DocumentSubCategory where CatID=") + key(category),
-                          ui.cboDocSubCategory);
-        GenMod::CloseConnection();
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
+    refillBelow(ui.cboDocCategory, QStringLiteral("SubCatID, SubCategory"),
+                QStringLiteral("DocumentSubCategory where CatID="), QString(), ui.cboDocSubCategory);
 }
 
 void frmSearchDocument::cboDocSubCategory_Click() {
-    auto* subCategory = ui.cboDocSubCategory.get();
-    if (subCategory->ListIndex() == -1)
-        return;
-    try {
-        if (!GenMod::OpenConnection())
-            return;
-        GenMod::FillCombo(QStringLiteral("ChildCatID, ChildCategory"),
-                          QStringLiteral("DocumentChildCategory where subCatID=") + key(subCategory),
-                          ui.cboDocChildCategory);
-        GenMod::CloseConnection();
-    } catch (const platform::Error& e) {
-        platform::MsgBox(e.description(), platform::vbCritical);
-    }
+    refillBelow(ui.cboDocSubCategory, QStringLiteral("ChildCatID, ChildCategory"),
+                QStringLiteral("DocumentChildCategory where subCatID="), QString(), ui.cboDocChildCategory);
 }
 
 // Each range stays two-sided: the From date is copied to To, Null included, and a To cleared

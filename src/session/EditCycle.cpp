@@ -188,6 +188,23 @@ bool RecordForm::saveRecord(const SaveSteps& steps) {
     return true;
 }
 
+void RecordForm::refillBelow(const platform::ComboBox* parent, const QString& fields,
+                             const QString& sourceBefore, const QString& sourceAfter,
+                             platform::ComboBox* target) {
+    if (parent->ListIndex() == -1)
+        return;
+    try {
+        if (!GenMod::OpenConnection())
+            return;
+        GenMod::FillCombo(fields,
+                          sourceBefore + QString::number(parent->ItemData(parent->ListIndex())) + sourceAfter,
+                          target);
+        GenMod::CloseConnection();
+    } catch (const platform::Error& e) {
+        MsgBox(e.description(), platform::vbCritical);
+    }
+}
+
 void RecordForm::untrapped(const std::function<void()>& handler) {
     try {
         handler();

@@ -99,6 +99,14 @@ class RecordForm : public Form {
     // value. Nothing for an empty list; throws for no choice or a key beyond 16 bits.
     static std::optional<qint16> chosenKey(const platform::ListBox* list);
 
+    // A pick list's click refilling the list one level down: nothing while `parent` has no
+    // choice; else, on a connection of its own, `target` gets the rows of `fields` from
+    // `sourceBefore` + the chosen key + `sourceAfter`. Errors: critical icon, the connection
+    // is left to the next operation.
+    static void refillBelow(const platform::ComboBox* parent, const QString& fields,
+                            const QString& sourceBefore, const QString& sourceAfter,
+                            platform::ComboBox* target);
+
     // The outermost guard of a handler that has no trap of its own (such as a list's double
     // click): an error ends the handler with its text and the critical icon.
     static void untrapped(const std::function<void()>& handler);
