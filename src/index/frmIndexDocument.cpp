@@ -6,7 +6,6 @@
 #include "platform/Dialogs.h"
 #include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
-#include "platform/Settings.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
 #include "session/ScreenBuilder.h"
@@ -14,7 +13,6 @@
 
 #include <QDate>
 #include <QHeaderView>
-#include <QLocale>
 
 using platform::TrimStr;
 
@@ -32,7 +30,7 @@ const QString DateFormat = QStringLiteral("dd/MMM/yyyy");
 // A picker's date as the statements write it: two-digit day, the month's short name in the
 // running system's language, four-digit year.
 QString statementDate(const platform::DatePicker* picker) {
-    return QLocale().toString(picker->Value().toDate(), DateFormat);
+    return platform::FormatDate(picker->Value(), DateFormat);
 }
 
 QString key(const platform::ComboBox* combo) {
@@ -110,8 +108,7 @@ void frmIndexDocument::Form_Load() {
     // The settings' names stand until the table's row replaces them; the two title names
     // there have no " :", which shows only when the data store cannot be reached.
     const auto setting = [](const char* key, const char* defaultText) {
-        return platform::GetSetting(QStringLiteral("Vorlane"), QStringLiteral("Settings"),
-                                    QString::fromLatin1(key), QString::fromLatin1(defaultText));
+        return Session::setting(QString::fromLatin1(key), QString::fromLatin1(defaultText));
     };
     ui.lblDocType->setText(setting("DocTypeCaption", "Document Type :"));
     ui.lblDocCategory->setText(setting("DocCatCaption", "Document Category :"));

@@ -5,16 +5,17 @@
 #include "platform/Conversions.h"
 #include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
+#include "platform/Shell.h"
 #include "reports/Reports.h"
 #include "reports/VorlaneDE.h"
 #include "session/FieldCaptions.h"
 #include "session/GenMod.h"
+#include "session/Session.h"
 
 #include <QDate>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLocale>
 #include <QVBoxLayout>
 
 using platform::TrimStr;
@@ -30,10 +31,20 @@ QString key(const platform::ComboBox* combo) {
     return QString::number(platform::CDbl(QString::number(combo->ItemData(combo->ListIndex()))));
 }
 
+// The settings key of the viewer for an upper-cased extension; empty for a kind not known.
+QString viewerKey(const QString& extension) {
+    static const std::pair<const char*, const char*> kinds[] = {
+        {"DOC", "Word"},  {"DOCX", "Word"}, {"GIF", "Image"},  {"BMP", "Image"},
+        {"JPG", "Image"}, {"XLS", "Excel"}, {"XLSX", "Excel"}, {"PDF", "PDF"},
+    };
+    for (const auto& [known, key] : kinds)
+        if (extension == QLatin1String(known))
+            return QString::fromLatin1(key);
+    return QString();
+}
+
 QString dateText(const QVariant& value, const char* format) {
-    if (platform::IsNull(value))
-        return QString();
-    return QLocale().toString(value.toDate(), QString::fromLatin1(format));
+    return platform::FormatDate(value, QString::fromLatin1(format));
 }
 
 // A caption without its last character, the colon of " :".
@@ -150,6 +161,8 @@ QWidget* frmSearchDocument::build() {
     order.first()->setFocus();
 
     connect(search, &QPushButton::clicked, this, [this] { untrapped([this] { cmdSearch_Click(); }); });
+    connect(ui.lstList, &platform::ListView::DblClick, this,
+            [this] { untrapped([this] { lstList_DblClick(); }); });
     connect(ui.cboDocCategory, &platform::ComboBox::Click, this, [this] { cboDocCategory_Click(); });
     connect(ui.cboDocSubCategory, &platform::ComboBox::Click, this, [this] { cboDocSubCategory_Click(); });
     connect(ui.dtpDocFrom, &platform::DatePicker::Change, this, [this] { dtpDocFrom_Change(); });
@@ -402,18 +415,43 @@ void frmSearchDocument::PrintSearchList() {
         platform::setMousePointer(platform::vbDefault);
     } catch (const platform::Error& e) {
         platform::setMousePointer(platform::vbDefault);
-        if (InTransaction && GenMod::Conn) {
-            try {
-                GenMod::Conn->RollbackTrans();
-            } catch (const platform::Error&) {
-                // the release below discards the transaction anyway
-            }
-        }
-        GenMod::CloseConnection();
+        GenMod::AbandonConnection(InTransaction);
         platform::MsgBox(e.description(), platform::vbCritical);
     } catch (const std::exception& e) {
         // A report that cannot be laid out (such as a font that cannot be loaded).
         platform::setMousePointer(platform::vbDefault);
         platform::MsgBox(QString::fromLocal8Bit(e.what()), platform::vbCritical);
+    }
+}
+
+// Opens the chosen document's soft copy in the viewer set under Settings for its kind. The
+// kind is the last four characters of the path without their dots; only eight kinds are
+// known, and nothing else is tried for the others.
+void frmSearchDocument::lstList_DblClick() {
+    const platform::ListView* list = ui.lstList;
+    if (list->ListCount() == 0)
+        return;
+    const int row = qMax(list->selectedIndex(), 0);
+    const QString path = TrimStr(list->itemText(row, 8));
+    QString extension = path.right(4);
+    extension.remove(QLatin1Char('.'));
+    try {
+        const QString key = viewerKey(extension.toUpper());
+        if (key.isEmpty())
+            return;
+        const QString viewer = Session::setting(key);
+        // With no viewer set, the line would start with the document's own path, and a
+        // document marked executable would be run: it fails as a missing program instead.
+        if (viewer.trimmed().isEmpty())
+            throw platform::Error(platform::ErrFileNotFound, QStringLiteral("File not found"));
+        platform::Shell(viewer + QStringLiteral(" \"") + path + QLatin1Char('"'), platform::vbMaximizedFocus);
+    } catch (const platform::Error& e) {
+        if (e.number() == platform::ErrFileNotFound)
+            platform::MsgBox(
+                QStringLiteral("Program executable not found.\nPlease verify path under Settings."),
+                platform::vbCritical);
+        else
+            platform::MsgBox(QString::number(e.number()) + QLatin1Char(' ') + e.description(),
+                             platform::vbCritical);
     }
 }

@@ -19,6 +19,7 @@ class frmSearchDocument : public RecordForm {
 
     void cmd_Click(int index) override;
     void cmdSearch_Click();
+    void lstList_DblClick();
     void cboDocCategory_Click();
     void cboDocSubCategory_Click();
     void dtpDocFrom_Change();

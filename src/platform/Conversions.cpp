@@ -77,6 +77,12 @@ QString CStr(const QVariant& value) {
     return value.toString();
 }
 
+QString FormatDate(const QVariant& value, const QString& format) {
+    if (IsNull(value))
+        return QString();
+    return QLocale().toString(CDate(value), format);
+}
+
 QString TrimStr(const QVariant& value) {
     return CStr(value).trimmed();
 }

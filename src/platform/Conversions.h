@@ -26,6 +26,8 @@ double CDbl(const QVariant& value);
 double Val(const QString& text);
 // A date: 94 for Null, 13 for a value that is no date (texts as "yyyy-MM-dd" or "dd/MMM/yyyy").
 QDate CDate(const QVariant& value);
+// A date as text in the running system's language, such as "dd/MMM/yyyy"; a Null gives "".
+QString FormatDate(const QVariant& value, const QString& format);
 // True for a Null value.
 bool IsNull(const QVariant& value);
 

@@ -1,13 +1,27 @@
 #pragma once
 
+#include <QSortFilterProxyModel>
 #include <QString>
 
 class QWidget;
 
 namespace platform {
 
+// True for a filter whose patterns all name programs ("Viewer|*.exe;*.exe"). The open dialog
+// then offers the executable files, whatever their names, and starts in /usr/bin.
+bool isProgramFilter(const QString& filter);
+
+// Keeps the folders and the executable files of a file dialog's list.
+class ProgramFilesOnly : public QSortFilterProxyModel {
+  public:
+    explicit ProgramFilesOnly(QObject* parent = nullptr);
+
+  protected:
+    bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+};
+
 // A filter in the form "description|*.a;*.b|..." as the dialogs take it: "description (*.a
-// *.b);;...", each pattern matching without regard to case.
+// *.b);;...", each pattern matching without regard to case; "*.exe" becomes "*".
 QString dialogFilter(const QString& filter);
 
 // The file-open dialog. `filter` takes the form "description|*.a;*.b|description|*.c".

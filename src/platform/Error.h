@@ -29,5 +29,6 @@ inline constexpr int ErrTypeMismatch = 13;
 inline constexpr int ErrInvalidProcedureCall = 5;
 inline constexpr int ErrPathNotFound = 76;
 inline constexpr int ErrPermissionDenied = 70;
+inline constexpr int ErrPathFileAccess = 75;
 
 } // namespace platform

@@ -52,9 +52,16 @@ void FileCopy(const QString& source, const QString& destination) {
     QFile::setPermissions(destination, QFile::permissions(destination) | QFile::WriteOwner);
 }
 
+// Deletes the one file named, never more. The platform's own delete took a name holding "*"
+// or "?" as a pattern and deleted every file that it matched; here such a name is taken as it
+// stands, so it deletes the one file of exactly that name or fails as a missing file does.
+// A file marked read-only stays, as it does on the platform.
 void Kill(const QString& path) {
-    if (!QFileInfo(path).isFile())
+    const QFileInfo info(path);
+    if (!info.isFile())
         throw Error(ErrFileNotFound, QStringLiteral("File not found"));
+    if (!(info.permissions() & QFile::WriteOwner))
+        throw Error(ErrPathFileAccess, QStringLiteral("Path/File access error"));
     if (!QFile::remove(path))
         throw Error(ErrPermissionDenied, QStringLiteral("Permission denied"));
 }

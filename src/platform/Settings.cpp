@@ -1,5 +1,6 @@
 #include "Settings.h"
 
+#include "Error.h"
 #include "TestState.h"
 
 #include <QDir>
@@ -31,6 +32,9 @@ void SaveSetting(const QString& appName, const QString& section, const QString& 
     auto settings = open(appName);
     settings->setValue(section + QLatin1Char('/') + key, value);
     settings->sync();
+    if (settings->status() != QSettings::NoError)
+        throw Error(ErrPathFileAccess,
+                    QStringLiteral("The settings could not be written to \"%1\".").arg(settings->fileName()));
 }
 
 } // namespace platform

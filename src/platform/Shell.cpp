@@ -17,12 +17,6 @@
 namespace platform {
 
 namespace {
-// Splits a command line: a program in double quotes or up to the first blank, then the
-// arguments as the shell would split them.
-QStringList splitCommandLine(const QString& commandLine) {
-    return QProcess::splitCommand(commandLine);
-}
-
 // The program to start: a path as given, or a bare name looked for in the program's own
 // folder first and then along the search path, as the platform's own start does.
 QString resolveProgram(const QString& program) {
@@ -37,23 +31,62 @@ QString resolveProgram(const QString& program) {
         return beside.filePath();
     return QStandardPaths::findExecutable(program);
 }
+
+QStringList splitArguments(const QString& rest) {
+    if (rest.size() > 1 && rest.endsWith(QLatin1Char('"'))) {
+        for (qsizetype i = 0; i < rest.size() - 1; ++i) {
+            if (rest[i] == QLatin1Char('"') && (i == 0 || rest[i - 1].isSpace()))
+                return QProcess::splitCommand(rest.left(i)) << rest.mid(i + 1, rest.size() - i - 2);
+        }
+    }
+    return QProcess::splitCommand(rest);
+}
 } // namespace
+
+CommandLine splitCommandLine(const QString& commandLine) {
+    const QString line = commandLine.trimmed();
+    CommandLine out;
+    qsizetype restAt = line.size();
+    if (line.startsWith(QLatin1Char('"'))) {
+        const qsizetype close = line.indexOf(QLatin1Char('"'), 1);
+        out.program = line.mid(1, close < 0 ? -1 : close - 1);
+        restAt = close < 0 ? line.size() : close + 1;
+    } else {
+        // Each blank in turn may end the program's name, then the end of the line; without
+        // a program among them, the first word is taken and fails at the start.
+        QList<qsizetype> ends;
+        for (qsizetype at = line.indexOf(QLatin1Char(' ')); at >= 0;
+             at = line.indexOf(QLatin1Char(' '), at + 1))
+            ends << at;
+        ends << line.size();
+        restAt = ends.first();
+        for (const qsizetype end : ends) {
+            if (!resolveProgram(line.left(end)).isEmpty()) {
+                restAt = end;
+                break;
+            }
+        }
+        out.program = line.left(restAt);
+    }
+    out.arguments = splitArguments(line.mid(restAt).trimmed());
+    return out;
+}
 
 qint64 Shell(const QString& commandLine, int windowStyle) {
     Q_UNUSED(windowStyle); // the started program decides its own window
-    const QStringList words = splitCommandLine(commandLine.trimmed());
+    const CommandLine parts = splitCommandLine(commandLine);
     auto& state = detail::testState();
     if (state.enabled) {
-        if (state.shellChecksProgram && (words.isEmpty() || resolveProgram(words.first()).isEmpty()))
+        if (state.shellChecksProgram && resolveProgram(parts.program).isEmpty())
             throw Error(ErrFileNotFound, QStringLiteral("File not found"));
         state.started.append(commandLine);
         return 1;
     }
-    const QString program = words.isEmpty() ? QString() : resolveProgram(words.first());
+    const QString program = resolveProgram(parts.program);
     if (program.isEmpty())
         throw Error(ErrFileNotFound, QStringLiteral("File not found"));
     qint64 pid = 0;
-    if (!QProcess::startDetached(program, words.mid(1), QString(), &pid))
+    if (!QProcess::startDetached(program, parts.arguments, QString(), &pid))
         throw Error(ErrFileNotFound, QStringLiteral("File not found"));
     return pid;
 }

@@ -170,14 +170,7 @@ bool RecordForm::saveRecord(const SaveSteps& steps) {
         InTransaction = false;
         GenMod::CloseConnection();
     } catch (const platform::Error& e) {
-        if (InTransaction && GenMod::Conn) {
-            try {
-                GenMod::Conn->RollbackTrans();
-            } catch (const platform::Error&) {
-                // the release below discards the transaction anyway
-            }
-        }
-        GenMod::Conn.reset();
+        GenMod::AbandonConnection(InTransaction);
         MsgBox(e.description(), platform::vbCritical);
         return false;
     }

@@ -5,6 +5,7 @@
 #include "platform/Conversions.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 
 namespace FieldCaptions {
@@ -24,6 +25,10 @@ Caption formCaption(QWidget* form, const QString& column, const QString& default
                 if (auto* frame = qobject_cast<QMdiSubWindow*>(form->parentWidget()))
                     frame->setWindowTitle(text);
             }};
+}
+
+Caption textBox(QLineEdit* box, const QString& column, const QString& defaultText) {
+    return {column, defaultText, QString(), [box](const QString& text) { box->setText(text); }};
 }
 
 void Apply(const QList<Caption>& captions) {

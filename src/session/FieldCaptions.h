@@ -5,6 +5,7 @@
 #include <functional>
 
 class QLabel;
+class QLineEdit;
 class QWidget;
 
 // The office's own names of the six classification fields, one row of the table
@@ -25,6 +26,9 @@ struct Caption {
 Caption label(QLabel* label, const QString& column, const QString& defaultText);
 // A form's caption: the saved name alone.
 Caption formCaption(QWidget* form, const QString& column, const QString& defaultText);
+
+// An edit box that shows the saved name alone, for changing it.
+Caption textBox(QLineEdit* box, const QString& column, const QString& defaultText);
 
 // Reads "Select * from FieldCaptions" on the open Conn (static, read-only) and applies the
 // captions in the given order: with no row each gets its default, else the first row's

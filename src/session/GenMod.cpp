@@ -92,6 +92,17 @@ void CloseConnection() {
     Conn.reset();
 }
 
+void AbandonConnection(bool inTransaction) {
+    if (inTransaction && Conn) {
+        try {
+            Conn->RollbackTrans();
+        } catch (const platform::Error&) {
+            // the release below discards the transaction anyway
+        }
+    }
+    CloseConnection();
+}
+
 QString ReadUserRights(const QString& statement) {
     QString rights;
     try {

@@ -23,6 +23,10 @@ inline db::ConnectionPtr Conn;
 bool OpenConnection();
 // Releases Conn.
 void CloseConnection();
+// The error path of a writing routine: rolls back when the routine noted its transaction
+// open (a failing rollback is passed over: the release discards the transaction anyway),
+// then releases Conn.
+void AbandonConnection(bool inTransaction);
 
 // Reads the rights level of the row of `statement` and sets Session::CurrentUserID.
 QString ReadUserRights(const QString& statement);

@@ -4,7 +4,9 @@
 
 #include <QList>
 #include <QString>
+#include <functional>
 
+class QCheckBox;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -36,6 +38,14 @@ class ScreenBuilder {
         addRow(label, caption, made);
         return made;
     }
+    // A heading over the rows that follow, across the whole width.
+    QLabel* addHeading(ui::Control<QLabel>& heading, const QString& caption);
+    // A check box with its caption beside it, at the right of the field column. A click on
+    // the caption calls `onCaptionClick` (which may flip the box even while it is disabled).
+    QCheckBox* addCheckField(ui::Control<QLabel>& label, const QString& caption, ui::Control<QCheckBox>& box,
+                             const std::function<void()>& onCaptionClick);
+    // A line of text in the field column, such as a note on progress.
+    QLabel* addNote(ui::Control<QLabel>& note, const QString& text);
     // A drop-down list of parents with its label.
     platform::ComboBox* addComboField(ui::Control<QLabel>& label, const QString& caption,
                                       ui::Control<platform::ComboBox>& combo);

@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include "platform/MsgBox.h"
+#include "platform/Settings.h"
 
 namespace Session {
 
@@ -15,6 +16,14 @@ bool MaySave(bool editMode) {
         return false;
     }
     return true;
+}
+
+QString setting(const QString& key, const QString& defaultValue) {
+    return platform::GetSetting(QStringLiteral("Vorlane"), QStringLiteral("Settings"), key, defaultValue);
+}
+
+void saveSetting(const QString& key, const QString& value) {
+    platform::SaveSetting(QStringLiteral("Vorlane"), QStringLiteral("Settings"), key, value);
 }
 
 } // namespace Session

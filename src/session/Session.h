@@ -14,4 +14,9 @@ inline QString UserRights;
 // would be changed.
 bool MaySave(bool editMode);
 
+// The program's part of the per-user settings store: application "Vorlane", section
+// "Settings". Shared by every login under one system user.
+QString setting(const QString& key, const QString& defaultValue = QString());
+void saveSetting(const QString& key, const QString& value);
+
 } // namespace Session

@@ -5,6 +5,7 @@
 #include "platform/Controls.h"
 #include "reports/Reports.h"
 #include "reports/VorlaneDE.h"
+#include "session/Session.h"
 #include "support/ScreenDriver.h"
 #include "support/TestSupport.h"
 
@@ -299,6 +300,53 @@ class TestSearchDocument : public QObject {
         QCOMPARE(printed("ReportHeader", "lblQuery"), QStringLiteral("All Records"));
         QCOMPARE(printed("PageHeader", "lblDocTitle1"), QStringLiteral("Invoice No /"));
         QCOMPARE(printed("PageHeader", "lblDocTitle2"), QStringLiteral("Party "));
+    }
+
+    // A double click opens the soft copy in the viewer of its kind: the kind is the last four
+    // characters of the trimmed path without dots, and a kind not known starts nothing.
+    void quickViewByTheKindOfTheFile() {
+        form().lstList_DblClick(); // an empty list: nothing
+        QCOMPARE(messages(), QStringList());
+        Session::saveSetting(QStringLiteral("Image"), QStringLiteral("/usr/bin/eog"));
+        Session::saveSetting(QStringLiteral("Word"), QStringLiteral("/usr/bin/lowriter --view"));
+        Session::saveSetting(QStringLiteral("PDF"), QStringLiteral("xdg-open"));
+        const QList<QPair<QString, QString>> cases = {
+            {"/d/scan.JPG", "/usr/bin/eog \"/d/scan.JPG\""},
+            {"/d/scan.jpg   ", "/usr/bin/eog \"/d/scan.jpg\""},
+            {"/d/photo.png", ""},
+            {"/d/photo.jpeg", ""},
+            {"/d/d.oc", "/usr/bin/lowriter --view \"/d/d.oc\""},
+            {"/d/sheets/xlsx", "excel"}, // the Excel viewer is not set
+            {"/d/zxls", ""},
+            {"", ""},
+            {"/d/my \"big\" file.pdf", "xdg-open \"/d/my \"big\" file.pdf\""},
+        };
+        for (const auto& [path, started] : cases) {
+            env->exec(QStringLiteral("update Vorlane set FilePath='%1' where IndexID=1")
+                          .arg(QString(path).replace(QLatin1Char('\''), QStringLiteral("''"))));
+            search();
+            testsupport::dblClick(form(), QStringLiteral("lstList"), QStringLiteral("1"));
+            const QStringList shown = messages();
+            const QStringList commands = platform::test::takeStartedCommands();
+            if (started == QLatin1String("excel")) {
+                QCOMPARE(
+                    shown,
+                    QStringList({"16:Program executable not found.\nPlease verify path under Settings."}));
+                QCOMPARE(commands, QStringList());
+            } else {
+                QCOMPARE(shown, QStringList());
+                QCOMPARE(commands, started.isEmpty() ? QStringList() : QStringList({started}));
+            }
+        }
+
+        // A viewer that is no program: the message, and the list stays as it was.
+        platform::test::setShellChecksProgram(true);
+        Session::saveSetting(QStringLiteral("PDF"), QStringLiteral("/no/such/viewer"));
+        testsupport::dblClick(form(), QStringLiteral("lstList"), QStringLiteral("1"));
+        QCOMPARE(messages(),
+                 QStringList({"16:Program executable not found.\nPlease verify path under Settings."}));
+        QCOMPARE(rows().size(), 3);
+        platform::test::setShellChecksProgram(false);
     }
 };
 

@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QDateEdit>
 #include <QFile>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
@@ -72,6 +73,11 @@ class TestPlatform : public QObject {
         SaveSetting("Vorlane", "Settings", "Word", "/usr/bin/writer");
         QCOMPARE(GetSetting("Vorlane", "Settings", "Word"), QStringLiteral("/usr/bin/writer"));
         QVERIFY(QFile::exists(m_dir.filePath(QStringLiteral("settings/Vorlane.conf"))));
+
+        // A store that cannot be written is an error, not a silent loss.
+        test::setSettingsFolder(QStringLiteral("/dev/null/settings"));
+        QVERIFY_THROWS_EXCEPTION(Error, SaveSetting("Vorlane", "Settings", "Word", "/usr/bin/other"));
+        test::setSettingsFolder(m_dir.filePath(QStringLiteral("settings")));
     }
 
     void dialogsReturnWhatTheTestPrimed() {
@@ -96,6 +102,31 @@ class TestPlatform : public QObject {
         }
         QVERIFY(
             !QRegularExpression::fromWildcard(patterns[1]).match(QStringLiteral("notes.pdfx")).hasMatch());
+
+        // A filter of programs offers the executable files, whatever their names.
+        const QString programs = QStringLiteral("PDF Viewer / Editor|*.exe;*.exe");
+        QVERIFY(isProgramFilter(programs));
+        QVERIFY(!isProgramFilter(QStringLiteral("PDF|*.pdf")));
+        QCOMPARE(dialogFilter(programs), QStringLiteral("PDF Viewer / Editor (*)"));
+        QTemporaryDir folder;
+        QDir(folder.path()).mkdir(QStringLiteral("sub"));
+        for (const auto& [name, executable] : {std::pair{"evince", true}, std::pair{"notes.txt", false}}) {
+            QFile f(folder.filePath(QString::fromLatin1(name)));
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.setPermissions(executable ? f.permissions() | QFile::ExeOwner
+                                        : f.permissions() & ~QFile::ExeOwner);
+        }
+        QFileSystemModel files;
+        QSignalSpy loaded(&files, &QFileSystemModel::directoryLoaded);
+        const QModelIndex root = files.setRootPath(folder.path());
+        QVERIFY(loaded.wait());
+        ProgramFilesOnly shown;
+        shown.setSourceModel(&files);
+        QStringList names;
+        for (int i = 0; i < shown.rowCount(shown.mapFromSource(root)); ++i)
+            names << shown.index(i, 0, shown.mapFromSource(root)).data().toString();
+        names.sort();
+        QCOMPARE(names, QStringList({"evince", "sub"}));
     }
 
     void shellRecordsAndReportsAMissingProgram() {
@@ -112,6 +143,27 @@ class TestPlatform : public QObject {
         }
         test::setShellChecksProgram(false);
         QVERIFY(test::takeStartedCommands().isEmpty());
+
+        // A document's path in quotes reaches the program as one argument, whatever it
+        // holds; a program's path may hold blanks, quoted or not.
+        const QString viewer = m_dir.filePath(QStringLiteral("My Viewer/view"));
+        QDir(m_dir.path()).mkdir(QStringLiteral("My Viewer"));
+        QFile program(viewer);
+        QVERIFY(program.open(QIODevice::WriteOnly));
+        program.setPermissions(program.permissions() | QFile::ExeOwner);
+        const auto split = [](const QString& line) {
+            const CommandLine parts = splitCommandLine(line);
+            return QStringList(parts.program) + parts.arguments;
+        };
+        QCOMPARE(split(QStringLiteral("xdg-open \"/d/my \"big\" file.pdf\"")),
+                 QStringList({"xdg-open", "/d/my \"big\" file.pdf"}));
+        QCOMPARE(split(viewer + QStringLiteral(" \"/d/a b.pdf\"")), QStringList({viewer, "/d/a b.pdf"}));
+        QCOMPARE(split(QLatin1Char('"') + viewer + QStringLiteral("\" --page 2 \"/d/a.pdf\"")),
+                 QStringList({viewer, "--page", "2", "/d/a.pdf"}));
+        QCOMPARE(split(QStringLiteral("/no/such viewer \"/d/a.pdf\"")),
+                 QStringList({"/no/such", "viewer", "/d/a.pdf"}));
+        QCOMPARE(split(QStringLiteral("VorlaneHelp /a b/c.html")),
+                 QStringList({"VorlaneHelp", "/a", "b/c.html"}));
     }
 
     void filesAnswerByPlainName() {
@@ -132,6 +184,36 @@ class TestPlatform : public QObject {
         Kill(path + QStringLiteral(".copy"));
         QVERIFY(!fileExists(path + QStringLiteral(".copy")));
         QVERIFY_THROWS_EXCEPTION(Error, Kill(path + QStringLiteral(".copy")));
+    }
+
+    // Kill deletes the one file named and nothing else: a name with wildcards is a name.
+    void killDeletesExactlyTheFileNamed() {
+        QTemporaryDir folder;
+        const auto make = [&](const QString& name) {
+            QFile f(folder.filePath(name));
+            QVERIFY(f.open(QIODevice::WriteOnly));
+        };
+        const auto number = [](const QString& path) {
+            try {
+                Kill(path);
+                return 0;
+            } catch (const Error& e) {
+                return e.number();
+            }
+        };
+        make(QStringLiteral("a.pdf"));
+        make(QStringLiteral("b.pdf"));
+        QCOMPARE(number(folder.filePath(QStringLiteral("*.pdf"))), ErrFileNotFound);
+        QCOMPARE(number(folder.filePath(QStringLiteral("?.pdf"))), ErrFileNotFound);
+        make(QStringLiteral("*.pdf"));
+        QCOMPARE(number(folder.filePath(QStringLiteral("*.pdf"))), 0);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList({"a.pdf", "b.pdf"}));
+
+        SetAttr(folder.filePath(QStringLiteral("a.pdf")), vbReadOnly);
+        QCOMPARE(number(folder.filePath(QStringLiteral("a.pdf"))), ErrPathFileAccess);
+        QVERIFY(fileExists(folder.filePath(QStringLiteral("a.pdf"))));
+        QCOMPARE(number(folder.path()), ErrFileNotFound); // a folder is no file
+        QCOMPARE(number(QString()), ErrFileNotFound);
     }
 
     void comboAndListRaiseClickWhenSetFromCode() {
