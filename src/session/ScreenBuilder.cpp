@@ -138,6 +138,7 @@ QCheckBox* ScreenBuilder::addCheckField(ui::Control<QLabel>& label, const QStrin
                                         const std::function<void()>& onCaptionClick) {
     auto* line = new QHBoxLayout;
     line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(6);
     auto* check = box.make(m_panel);
     auto* text = label.make(m_panel);
     text->setText(caption);

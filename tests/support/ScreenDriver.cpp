@@ -89,8 +89,10 @@ QStringList tabOrder(QWidget* window) {
             w = w->parentWidget();
         return w;
     };
+    // The round starts at the control that has the focus when the screen opens.
     QStringList order;
-    QWidget* w = window;
+    QWidget* start = window->focusWidget() ? window->focusWidget()->previousInFocusChain() : window;
+    QWidget* w = start;
     do {
         w = w->nextInFocusChain();
         if (w == window || !(w->focusPolicy() & Qt::TabFocus) || !window->isAncestorOf(w))
@@ -100,7 +102,7 @@ QStringList tabOrder(QWidget* window) {
             if (order.isEmpty() || order.last() != named->objectName())
                 order << named->objectName();
         }
-    } while (w != window);
+    } while (w != start);
     return order;
 }
 
