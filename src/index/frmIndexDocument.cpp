@@ -128,19 +128,8 @@ void frmIndexDocument::Form_Load() {
                           QStringLiteral("DocumentCategory order by DocCategory"), ui.cboDocCategory);
         GenMod::FillCombo(QStringLiteral("FileID,Filenumber"), QStringLiteral("File order by filenumber"),
                           ui.cboFile);
-        FieldCaptions::Apply({
-            FieldCaptions::label(ui.lblDocType, QStringLiteral("DocType"), QStringLiteral("Document Type :")),
-            FieldCaptions::label(ui.lblDocCategory, QStringLiteral("DocCat"),
-                                 QStringLiteral("Document Category :")),
-            FieldCaptions::label(ui.lblDocSubCat, QStringLiteral("DocSubCat"),
-                                 QStringLiteral("Document Sub-Category :")),
-            FieldCaptions::label(ui.lblDocChildCat, QStringLiteral("DocChildCat"),
-                                 QStringLiteral("Document Child Category :")),
-            FieldCaptions::label(ui.lblTitle1, QStringLiteral("DocTitle1"),
-                                 QStringLiteral("Document Title 1 :")),
-            FieldCaptions::label(ui.lblTitle2, QStringLiteral("DocTitle2"),
-                                 QStringLiteral("Document Title 2 :")),
-        });
+        FieldCaptions::Apply(FieldCaptions::fullNameLabels({ui.lblDocType, ui.lblDocCategory, ui.lblDocSubCat,
+                                                            ui.lblDocChildCat, ui.lblTitle1, ui.lblTitle2}));
     });
 }
 

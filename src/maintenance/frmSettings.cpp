@@ -89,21 +89,12 @@ void frmSettings::Form_Load() {
         control->setEnabled(firstUser);
     for (const QString& kind : Kinds)
         pathBox(kind)->setText(Session::setting(kind).trimmed());
-    readAtLoad(true, [this] {
-        FieldCaptions::Apply({
-            FieldCaptions::textBox(ui.txtDocType, QStringLiteral("DocType"), QStringLiteral("Document Type")),
-            FieldCaptions::textBox(ui.txtDocCat, QStringLiteral("DocCat"),
-                                   QStringLiteral("Document Category")),
-            FieldCaptions::textBox(ui.txtDocSubCat, QStringLiteral("DocSubCat"),
-                                   QStringLiteral("Document Sub-Category")),
-            FieldCaptions::textBox(ui.txtDocChildCat, QStringLiteral("DocChildCat"),
-                                   QStringLiteral("Document Child Category")),
-            FieldCaptions::textBox(ui.txtDocTitle1, QStringLiteral("DocTitle1"),
-                                   QStringLiteral("Document Title 1")),
-            FieldCaptions::textBox(ui.txtDocTitle2, QStringLiteral("DocTitle2"),
-                                   QStringLiteral("Document Title 2")),
-        });
-    });
+    readAtLoad(true, [this] { FieldCaptions::Apply(FieldCaptions::fullNameBoxes(nameBoxes())); });
+}
+
+QList<QLineEdit*> frmSettings::nameBoxes() const {
+    return {ui.txtDocType,     ui.txtDocCat,    ui.txtDocSubCat,
+            ui.txtDocChildCat, ui.txtDocTitle1, ui.txtDocTitle2};
 }
 
 QLineEdit* frmSettings::pathBox(const QString& kind) const {
@@ -164,9 +155,7 @@ void frmSettings::SaveSettings() {
             InTransaction = true;
             GenMod::Conn->Execute(QStringLiteral("Delete from FieldCaptions"));
             QStringList names;
-            for (const QLineEdit* box :
-                 {ui.txtDocType.get(), ui.txtDocCat.get(), ui.txtDocSubCat.get(), ui.txtDocChildCat.get(),
-                  ui.txtDocTitle1.get(), ui.txtDocTitle2.get()})
+            for (const QLineEdit* box : nameBoxes())
                 names << GenMod::FixQuotes(TrimStr(box->text()));
             GenMod::Conn->Execute(QStringLiteral("Insert into FieldCaptions Values('") +
                                   names.join(QStringLiteral("','")) + QStringLiteral("')"));

@@ -30,6 +30,8 @@ class frmSettings : public RecordForm {
   private:
     frmSettings() = default;
     QLineEdit* pathBox(const QString& kind) const;
+    // The boxes of the six field names, in the order of the table's columns.
+    QList<QLineEdit*> nameBoxes() const;
 
     // The controls, each under its object name.
     struct Controls {

@@ -31,6 +31,22 @@ Caption textBox(QLineEdit* box, const QString& column, const QString& defaultTex
     return {column, defaultText, QString(), [box](const QString& text) { box->setText(text); }};
 }
 
+QList<Caption> fullNameLabels(const QList<QLabel*>& labels) {
+    QList<Caption> captions;
+    for (qsizetype i = 0; i < labels.size(); ++i)
+        captions << label(labels[i], QString::fromLatin1(Fields[i].column),
+                          QString::fromLatin1(Fields[i].name) + QStringLiteral(" :"));
+    return captions;
+}
+
+QList<Caption> fullNameBoxes(const QList<QLineEdit*>& boxes) {
+    QList<Caption> captions;
+    for (qsizetype i = 0; i < boxes.size(); ++i)
+        captions << textBox(boxes[i], QString::fromLatin1(Fields[i].column),
+                            QString::fromLatin1(Fields[i].name));
+    return captions;
+}
+
 void Apply(const QList<Caption>& captions) {
     db::Recordset rs;
     rs.Open(QStringLiteral("Select * from FieldCaptions"), GenMod::Conn, db::adOpenStatic, db::adLockReadOnly,
