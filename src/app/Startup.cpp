@@ -1,6 +1,7 @@
 #include "Startup.h"
 
 #include "MDI.h"
+#include "addressbooks/frmReferences.h"
 #include "classification/frmDocCat.h"
 #include "classification/frmDocChildCat.h"
 #include "classification/frmDocSubCat.h"
@@ -25,6 +26,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSearchDoc"), [] { frmSearchDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSettings"), [] { frmSettings::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgInternetRef"), [] { frmReferences::instance().Show(); });
 }
 
 bool Startup() {
