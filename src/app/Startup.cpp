@@ -1,6 +1,7 @@
 #include "Startup.h"
 
 #include "MDI.h"
+#include "addressbooks/frmImpContacts.h"
 #include "addressbooks/frmReferences.h"
 #include "classification/frmDocCat.h"
 #include "classification/frmDocChildCat.h"
@@ -26,6 +27,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSearchDoc"), [] { frmSearchDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSettings"), [] { frmSettings::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgImpContact"), [] { frmImpContacts::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgInternetRef"), [] { frmReferences::instance().Show(); });
 }
 
