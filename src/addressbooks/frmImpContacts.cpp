@@ -12,10 +12,11 @@
 using platform::TrimStr;
 
 namespace {
-constexpr int FieldWidth = 380;
+constexpr int FieldWidth = 440;
 constexpr int RemarksHeight = 90;
-constexpr int NameColumnWidth = 140;
-constexpr int PhoneColumnWidth = 95;
+constexpr int NameColumnWidth = 150;
+constexpr int PhoneColumnWidth = 100;
+constexpr int EmailColumnWidth = 120;
 } // namespace
 
 frmImpContacts& frmImpContacts::instance() {
@@ -45,7 +46,7 @@ QWidget* frmImpContacts::build() {
     list->addColumn(QStringLiteral("Contact Name"), NameColumnWidth);
     list->addColumn(QStringLiteral("Phone"), PhoneColumnWidth);
     list->addColumn(QStringLiteral("Cell"), PhoneColumnWidth);
-    list->addColumn(QStringLiteral("Email"), NameColumnWidth);
+    list->addColumn(QStringLiteral("Email"), EmailColumnWidth);
     list->header()->setSectionsMovable(false);
     list->header()->setStretchLastSection(true);
     // Unchecked in the design, unlike the references' box; Edit checks it every time.
