@@ -45,6 +45,8 @@ QFrame* SearchPanel::makePanel(ScreenBuilder& screen, const QString& searchCapti
     grid->addWidget(caption, 0, 1);
     grid->addWidget(text, 0, 2);
     grid->addWidget(search, 0, 3);
+    // Enter in the search text searches, as the button does.
+    QObject::connect(text, &QLineEdit::returnPressed, search, &QPushButton::click);
 
     auto* line = new QHBoxLayout;
     line->setContentsMargins(0, 0, 0, 0);
