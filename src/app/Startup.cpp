@@ -1,6 +1,9 @@
 #include "Startup.h"
 
 #include "MDI.h"
+#include "addressbooks/frmImpContacts.h"
+#include "addressbooks/frmPersonal.h"
+#include "addressbooks/frmReferences.h"
 #include "classification/frmDocCat.h"
 #include "classification/frmDocChildCat.h"
 #include "classification/frmDocSubCat.h"
@@ -25,6 +28,9 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSearchDoc"), [] { frmSearchDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSettings"), [] { frmSettings::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgPersonal"), [] { frmPersonal::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgImpContact"), [] { frmImpContacts::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgInternetRef"), [] { frmReferences::instance().Show(); });
 }
 
 bool Startup() {

@@ -17,12 +17,13 @@ int compareNoCase(void*, int lengthA, const void* a, int lengthB, const void* b)
 bool matches(const QString& pattern, const QString& text) {
     int p = 0, t = 0, starP = -1, starT = 0;
     while (t < text.size()) {
-        if (p < pattern.size() && (pattern[p] == QLatin1Char('_') || pattern[p] == text[t])) {
-            ++p;
-            ++t;
-        } else if (p < pattern.size() && pattern[p] == QLatin1Char('%')) {
+        // A '%' of the pattern is always a wildcard, also where the text holds a '%' itself.
+        if (p < pattern.size() && pattern[p] == QLatin1Char('%')) {
             starP = p++;
             starT = t;
+        } else if (p < pattern.size() && (pattern[p] == QLatin1Char('_') || pattern[p] == text[t])) {
+            ++p;
+            ++t;
         } else if (starP >= 0) {
             p = starP + 1;
             t = ++starT;

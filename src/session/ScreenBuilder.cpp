@@ -121,6 +121,11 @@ void ScreenBuilder::addRow(ui::Control<QLabel>& label, const QString& caption, Q
     m_tabOrder << field;
 }
 
+void ScreenBuilder::addUncaptioned(QWidget* field) {
+    m_grid->addWidget(field, m_row++, 1);
+    m_tabOrder << field;
+}
+
 QLabel* ScreenBuilder::addHeading(ui::Control<QLabel>& heading, const QString& caption) {
     auto* made = heading.make(m_panel);
     made->setText(caption);
@@ -143,12 +148,16 @@ QCheckBox* ScreenBuilder::addCheckField(ui::Control<QLabel>& label, const QStrin
     auto* text = label.make(m_panel);
     text->setText(caption);
     platform::setBuddy(text, check);
-    new CaptionClick(text, onCaptionClick);
+    whenCaptionClicked(text, onCaptionClick);
     line->addWidget(check);
     line->addWidget(text, 1);
     m_grid->addLayout(line, m_row++, 1);
     m_tabOrder << check;
     return check;
+}
+
+void ScreenBuilder::whenCaptionClicked(QLabel* caption, const std::function<void()>& onClick) {
+    new CaptionClick(caption, onClick);
 }
 
 QLabel* ScreenBuilder::addNote(ui::Control<QLabel>& note, const QString& text) {

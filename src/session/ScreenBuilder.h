@@ -38,12 +38,21 @@ class ScreenBuilder {
         addRow(label, caption, made);
         return made;
     }
+    // A further field under the last one, with no caption of its own, such as the second
+    // line of an address; the caption of the row above names it.
+    template <class T> T* addFieldUnder(ui::Control<T>& field) {
+        T* made = field.make(m_panel);
+        addUncaptioned(made);
+        return made;
+    }
     // A heading over the rows that follow, across the whole width.
     QLabel* addHeading(ui::Control<QLabel>& heading, const QString& caption);
     // A check box with its caption beside it, at the right of the field column. A click on
     // the caption calls `onCaptionClick` (which may flip the box even while it is disabled).
     QCheckBox* addCheckField(ui::Control<QLabel>& label, const QString& caption, ui::Control<QCheckBox>& box,
                              const std::function<void()>& onCaptionClick);
+    // Makes a click on a check box's caption call `onClick`, for captions laid out elsewhere.
+    static void whenCaptionClicked(QLabel* caption, const std::function<void()>& onClick);
     // A line of text in the field column, such as a note on progress.
     QLabel* addNote(ui::Control<QLabel>& note, const QString& text);
     // A drop-down list of parents with its label.
@@ -76,6 +85,7 @@ class ScreenBuilder {
 
   private:
     void addRow(ui::Control<QLabel>& label, const QString& caption, QWidget* field);
+    void addUncaptioned(QWidget* field);
     void coverFields(QWidget* list, int minimumHeight);
     void retainSizeWhenHidden(QWidget* list);
 

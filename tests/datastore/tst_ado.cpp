@@ -357,6 +357,10 @@ void AdoTest::textComparisonIgnoresCase() {
         scalar(c, QStringLiteral("Select count(*) from DocumentType where DocType like '%SUMÉ_L%'")).toInt(),
         1);
     QCOMPARE(scalar(c, QStringLiteral("Select count(*) from References where RefName like 'ä%'")).toInt(), 1);
+    // A '%' in the text does not use up a wildcard of the pattern.
+    c->Execute(QStringLiteral("Insert into References values(2,'50% off','x','y',1)"));
+    QCOMPARE(scalar(c, QStringLiteral("Select count(*) from References where RefName like '%0%o%'")).toInt(),
+             1);
     QCOMPARE(scalar(c, QStringLiteral("Select count(*) from DocumentType where DocType like 'sum%'")).toInt(),
              0);
     // The scrambled login columns are compared exactly.
