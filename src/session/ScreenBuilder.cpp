@@ -2,7 +2,9 @@
 
 #include "platform/Controls.h"
 
+#include <QCheckBox>
 #include <QEvent>
+#include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -61,6 +63,27 @@ class CoverFollower : public QObject {
     QList<QPair<QPointer<QWidget>, Qt::FocusPolicy>> m_covered;
 };
 
+// Calls its function when the mouse button is let go over the watched label.
+class CaptionClick : public QObject {
+  public:
+    CaptionClick(QLabel* label, std::function<void()> onClick)
+        : QObject(label), m_onClick(std::move(onClick)) {
+        label->installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonRelease) {
+            m_onClick();
+            return true;
+        }
+        return false;
+    }
+
+  private:
+    std::function<void()> m_onClick;
+};
+
 } // namespace
 
 ScreenBuilder::ScreenBuilder(const QString& objectName, const QString& designCaption, Buttons buttons)
@@ -97,6 +120,31 @@ void ScreenBuilder::addRow(ui::Control<QLabel>& label, const QString& caption, Q
     m_grid->addWidget(field, m_row, 1);
     ++m_row;
     m_tabOrder << field;
+}
+
+QCheckBox* ScreenBuilder::addCheckField(ui::Control<QLabel>& label, const QString& caption,
+                                        ui::Control<QCheckBox>& box,
+                                        const std::function<void()>& onCaptionClick) {
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(0, 0, 0, 0);
+    auto* check = box.make(m_panel);
+    auto* text = label.make(m_panel);
+    text->setText(caption);
+    platform::setBuddy(text, check);
+    new CaptionClick(text, onCaptionClick);
+    line->addWidget(check);
+    line->addWidget(text, 1);
+    m_grid->addLayout(line, m_row++, 1);
+    m_tabOrder << check;
+    return check;
+}
+
+QFrame* ScreenBuilder::addLine(ui::Control<QFrame>& line) {
+    auto* made = line.make(m_panel);
+    made->setFrameShape(QFrame::HLine);
+    made->setFrameShadow(QFrame::Sunken);
+    m_grid->addWidget(made, m_row++, 0, 1, 3);
+    return made;
 }
 
 platform::ComboBox* ScreenBuilder::addComboField(ui::Control<QLabel>& label, const QString& caption,

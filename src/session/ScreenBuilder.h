@@ -4,7 +4,10 @@
 
 #include <QList>
 #include <QString>
+#include <functional>
 
+class QCheckBox;
+class QFrame;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -36,6 +39,12 @@ class ScreenBuilder {
         addRow(label, caption, made);
         return made;
     }
+    // A check box with its caption beside it, at the right of the field column. A click on
+    // the caption calls `onCaptionClick` (which may flip the box even while it is disabled).
+    QCheckBox* addCheckField(ui::Control<QLabel>& label, const QString& caption, ui::Control<QCheckBox>& box,
+                             const std::function<void()>& onCaptionClick);
+    // A line across the fields, setting the rows above it apart from those below.
+    QFrame* addLine(ui::Control<QFrame>& line);
     // A drop-down list of parents with its label.
     platform::ComboBox* addComboField(ui::Control<QLabel>& label, const QString& caption,
                                       ui::Control<platform::ComboBox>& combo);
