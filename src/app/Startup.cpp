@@ -8,6 +8,7 @@
 #include "classification/frmFile.h"
 #include "index/frmIndexDocument.h"
 #include "index/frmSearchDocument.h"
+#include "maintenance/frmLoginDetails.h"
 #include "platform/Shell.h"
 #include "session/frmLogin.h"
 
@@ -23,6 +24,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgFile"), [] { frmFile::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSearchDoc"), [] { frmSearchDocument::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgLogin"), [] { frmLoginDetails::instance().Show(); });
 }
 
 bool Startup() {
