@@ -8,6 +8,7 @@
 #include "classification/frmFile.h"
 #include "index/frmIndexDocument.h"
 #include "index/frmSearchDocument.h"
+#include "maintenance/frmDataBackup.h"
 #include "maintenance/frmLoginDetails.h"
 #include "platform/Shell.h"
 #include "session/frmLogin.h"
@@ -25,6 +26,7 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgIndexDoc"), [] { frmIndexDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgSearchDoc"), [] { frmSearchDocument::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgLogin"), [] { frmLoginDetails::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgDataBackup"), [] { frmDataBackup::instance().Show(); });
 }
 
 bool Startup() {
