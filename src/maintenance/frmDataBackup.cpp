@@ -22,6 +22,7 @@ namespace {
 // How long the compaction waits for the other seats to finish what they read or write.
 constexpr int SoleUseWaitSeconds = 5;
 constexpr int PathWidth = 300;
+constexpr int ButtonWidth = 90;
 
 const QString& notOnServer() {
     static const QString text = QStringLiteral(
@@ -99,6 +100,8 @@ QWidget* frmDataBackup::build() {
     browse->setText(QStringLiteral("Browse"));
     auto* start = ui.cmdStartBackup.make(ui.Shape2);
     start->setText(QStringLiteral("Start Backup"));
+    for (auto* button : {browse, start})
+        button->setMinimumWidth(ButtonWidth);
     numberStep(ui.Label2, start);
     backupStep->addWidget(pathLabel, 0, 1);
     backupStep->addWidget(path, 0, 2);
@@ -114,7 +117,7 @@ QWidget* frmDataBackup::build() {
 
     auto* close = ui.cmd.make(w);
     close->setText(QStringLiteral("Close"));
-    close->setMinimumWidth(80);
+    close->setMinimumWidth(ButtonWidth);
     outer->addWidget(close, 3, 0, 1, 2, Qt::AlignRight);
     outer->setColumnStretch(1, 1);
 

@@ -12,7 +12,7 @@ using platform::TrimStr;
 namespace {
 
 constexpr int NameLength = 25;
-constexpr int ListHeight = 150;
+constexpr int ListHeight = 110;
 
 // A check box's value: 0 clear, 1 ticked, 2 greyed.
 int value(const QCheckBox* box) {
@@ -62,7 +62,11 @@ QWidget* frmLoginDetails::build() {
     screen.addLine(ui.Line1);
     // As designed, a new screen proposes the lowest rights.
     ui.chkView->setChecked(true);
-    screen.addListOver(ui.lstUsers, ListHeight);
+    // The list lies exactly over the fields: its own wish for room does not make the screen taller.
+    auto* list = screen.addListOver(ui.lstUsers, ListHeight);
+    QSizePolicy policy = list->sizePolicy();
+    policy.setVerticalPolicy(QSizePolicy::Ignored);
+    list->setSizePolicy(policy);
     screen.addButtons(createCmdButtons(screen.window(), editCaptions()));
 
     connect(ui.chkView, &QCheckBox::stateChanged, this, [this] { chkView_Click(); });
