@@ -11,6 +11,8 @@
 #include "classification/frmFile.h"
 #include "index/frmIndexDocument.h"
 #include "index/frmSearchDocument.h"
+#include "maintenance/frmDataBackup.h"
+#include "maintenance/frmLoginDetails.h"
 #include "maintenance/frmSettings.h"
 #include "platform/Shell.h"
 #include "session/frmLogin.h"
@@ -31,6 +33,8 @@ void wireScreens() {
     MDI::setOpener(QStringLiteral("ImgPersonal"), [] { frmPersonal::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgImpContact"), [] { frmImpContacts::instance().Show(); });
     MDI::setOpener(QStringLiteral("ImgInternetRef"), [] { frmReferences::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgLogin"), [] { frmLoginDetails::instance().Show(); });
+    MDI::setOpener(QStringLiteral("ImgDataBackup"), [] { frmDataBackup::instance().Show(); });
 }
 
 bool Startup() {

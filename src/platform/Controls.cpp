@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProxyStyle>
 #include <QTextEdit>
 
 namespace platform {
@@ -38,6 +39,21 @@ template <class TextAt> int sortedPosition(const QString& text, int count, TextA
 bool isEnter(const QKeyEvent* event) {
     return event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
 }
+
+// The style of a password box: its own character for each character typed.
+class PasswordCharacterStyle : public QProxyStyle {
+  public:
+    explicit PasswordCharacterStyle(QChar character) : m_character(character) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returnData) const override {
+        if (hint == SH_LineEdit_PasswordCharacter)
+            return m_character.unicode();
+        return QProxyStyle::styleHint(hint, option, widget, returnData);
+    }
+
+  private:
+    QChar m_character;
+};
 } // namespace
 
 // ---- CommandButton
@@ -332,6 +348,13 @@ void DatePicker::emitIfChanged() {
 }
 
 // ---- helpers
+
+void setPasswordCharacter(QLineEdit* box, QChar character) {
+    box->setEchoMode(QLineEdit::Password);
+    auto* style = new PasswordCharacterStyle(character);
+    style->setParent(box);
+    box->setStyle(style);
+}
 
 void setBuddy(QLabel* label, QWidget* field) {
     label->setBuddy(field);

@@ -11,6 +11,7 @@
 class QCheckBox;
 class QDateEdit;
 class QLabel;
+class QLineEdit;
 
 namespace platform {
 
@@ -171,6 +172,9 @@ class DatePicker : public QWidget {
     QVariant m_last;
     bool m_setting = false;
 };
+
+// Makes `box` a password box that shows `character` for each character typed.
+void setPasswordCharacter(QLineEdit* box, QChar character);
 
 // Makes `label` the buddy of `field`, so that the field is announced by the label's caption.
 void setBuddy(QLabel* label, QWidget* field);

@@ -96,8 +96,10 @@ QString showSaveDialog(QWidget* owner, const QString& title, const QString& filt
 
 QString browseForFolder(const QString& startFolder, QWidget* owner, const QString& title) {
     auto& state = detail::testState();
-    if (state.enabled)
+    if (state.enabled) {
+        state.folderBrowses << startFolder + QLatin1Char('|') + title;
         return state.folders.isEmpty() ? QString() : state.folders.dequeue();
+    }
     return QFileDialog::getExistingDirectory(owner, title, startFolder, QFileDialog::ShowDirsOnly);
 }
 

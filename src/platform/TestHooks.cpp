@@ -38,6 +38,11 @@ void nextSaveFile(const QString& path) {
 void nextFolder(const QString& path) {
     testState().folders.enqueue(path);
 }
+QStringList takeFolderBrowses() {
+    QStringList shown;
+    shown.swap(testState().folderBrowses);
+    return shown;
+}
 
 QStringList takeStartedCommands() {
     QStringList started;

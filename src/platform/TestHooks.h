@@ -29,6 +29,8 @@ void nextOpenFile(const QString& path);
 void nextSaveFile(const QString& path);
 // The next folder browser returns `path`; an empty string stands for Cancel.
 void nextFolder(const QString& path);
+// The folder browsers shown since the last take, each as "start folder|title".
+QStringList takeFolderBrowses();
 
 // Command lines given to Shell since the last take. Under test nothing is started.
 QStringList takeStartedCommands();

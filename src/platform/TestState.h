@@ -14,6 +14,7 @@ struct TestState {
     QQueue<QString> openFiles;
     QQueue<QString> saveFiles;
     QQueue<QString> folders;
+    QStringList folderBrowses;
     QStringList started;
     bool shellChecksProgram = false;
     QString appPath;

@@ -7,11 +7,8 @@
 #include "platform/MousePointer.h"
 #include "platform/MsgBox.h"
 
-#include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QPalette>
 #include <QPushButton>
-#include <QShortcut>
 
 using platform::MsgBox;
 
@@ -28,19 +25,6 @@ QList<QPushButton*> RecordForm::createCmdButtons(QWidget* parent, const QStringL
 
 QStringList RecordForm::editCaptions() {
     return {QStringLiteral("Reset"), QStringLiteral("Edit"), QStringLiteral("Save"), QStringLiteral("Close")};
-}
-
-void RecordForm::prepareWindow() {
-    QWidget* w = window();
-    if (auto* area = Form::mdiArea())
-        w->setWindowIcon(area->window()->windowIcon());
-    w->setBackgroundRole(QPalette::Button);
-    w->setAutoFillBackground(true);
-    GenMod::CenterForm(w);
-    // Escape closes the screen, as its Close button does.
-    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), w);
-    escape->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(escape, &QShortcut::activated, this, [this] { Unload(); });
 }
 
 void RecordForm::readAtLoad(bool hourglass, const std::function<void()>& read) {

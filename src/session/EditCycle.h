@@ -68,9 +68,6 @@ class RecordForm : public Form {
     QList<QPushButton*> createCmdButtons(QWidget* parent, const QStringList& captions);
     // The captions of cmd(0)..cmd(3) on the record screens.
     static QStringList editCaptions();
-    // The first steps of each record screen's Form_Load: the main window's icon, the
-    // button-face background, centred in the main window; Escape closes the screen.
-    void prepareWindow();
     // Lets the window grow to fit captions that changed after it was built.
     void fitWindow();
     // The reading part of Form_Load: on a connection of its own, `read` fills the pick lists

@@ -1,9 +1,12 @@
 #include "Form.h"
 
+#include "GenMod.h"
 #include "platform/Dialogs.h"
 
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QPalette>
+#include <QShortcut>
 
 namespace {
 QPointer<QMdiArea> g_mdiArea;
@@ -68,4 +71,17 @@ void Form::Unload() {
         outer->hide();
         outer->deleteLater();
     }
+}
+
+void Form::prepareWindow() {
+    QWidget* w = window();
+    if (g_mdiArea)
+        w->setWindowIcon(g_mdiArea->window()->windowIcon());
+    w->setBackgroundRole(QPalette::Button);
+    w->setAutoFillBackground(true);
+    GenMod::CenterForm(w);
+    // Escape closes the screen, as its Close button does.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), w);
+    escape->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(escape, &QShortcut::activated, this, [this] { Unload(); });
 }

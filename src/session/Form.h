@@ -44,6 +44,9 @@ class Form : public QObject {
     virtual QWidget* build() = 0;
     // Runs once after build, at each load.
     virtual void Form_Load() {}
+    // The first steps of a child screen's Form_Load: the main window's icon, the button-face
+    // background, centred in the main window; Escape closes the screen.
+    void prepareWindow();
 
   private:
     bool m_mdiChild;

@@ -9,6 +9,7 @@
 
 #include <QMdiArea>
 #include <array>
+#include <string>
 
 namespace GenMod {
 
@@ -35,19 +36,37 @@ constexpr std::array<char16_t, 32> cp1252High = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+// The Windows-1252 byte of a character, or -1 for a character outside that code page.
 int toCp1252(char32_t c) {
     if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
         return static_cast<int>(c);
     for (int i = 0; i < 32; ++i)
         if (cp1252High[i] == c)
             return 0x80 + i;
-    return '?';
+    return -1;
 }
 
 char16_t fromCp1252(int byte) {
     if (byte >= 0x80 && byte <= 0x9F)
         return cp1252High[byte - 0x80];
     return static_cast<char16_t>(byte);
+}
+
+// A character outside Windows-1252 trades places with one that no scrambled Windows-1252 text
+// holds: a character of the Basic Multilingual Plane with its complement in the private use
+// plane 15, any other with its complement within its own plane. Complements keep the names'
+// order reversed, as the code page's do. The few characters of plane 15 whose partner would be a
+// character of the code page, or half of a surrogate pair, stand for themselves.
+char32_t scrambleOutside(char32_t c) {
+    constexpr char32_t Plane15 = 0xF0000;
+    if (c < 0x10000)
+        return Plane15 + (0xFFFF - c);
+    if ((c & ~char32_t(0xFFFF)) == Plane15) {
+        const char32_t partner = 0xFFFF - (c - Plane15);
+        const bool surrogate = partner >= 0xD800 && partner <= 0xDFFF;
+        return surrogate || toCp1252(partner) >= 0 ? c : partner;
+    }
+    return c ^ 0xFFFF;
 }
 
 template <class Target, class Transform>
@@ -214,11 +233,13 @@ qint32 NextID(const QString& field, const QString& table) {
 }
 
 QString ScrambleText(const QString& text) {
-    QString result;
-    result.reserve(text.size());
-    for (const char32_t c : text.toUcs4())
-        result.append(QChar(fromCp1252(255 - toCp1252(c))));
-    return result;
+    std::u32string result;
+    result.reserve(size_t(text.size()));
+    for (const char32_t c : text.toUcs4()) {
+        const int byte = toCp1252(c);
+        result += byte >= 0 ? char32_t(fromCp1252(255 - byte)) : scrambleOutside(c);
+    }
+    return QString::fromUcs4(result.data(), qsizetype(result.size()));
 }
 
 } // namespace GenMod

@@ -42,7 +42,8 @@ void FillUserList(const QString& fields, const QString& source, platform::ListBo
 qint32 FindItemIndex(const QString& value, platform::ComboBox* target);
 qint32 NextID(const QString& field, const QString& table);
 // Each character to its Windows-1252 byte, 255 minus it, back to a character. A character
-// outside that code page counts as "?". Its own inverse.
+// outside that code page becomes one that no Windows-1252 text scrambles into, another for each
+// character. Its own inverse, for every text.
 QString ScrambleText(const QString& text);
 
 // The connection password and user of the data source.

@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QEvent>
+#include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -164,6 +165,14 @@ QLabel* ScreenBuilder::addNote(ui::Control<QLabel>& note, const QString& text) {
     auto* made = note.make(m_panel);
     made->setText(text);
     m_grid->addWidget(made, m_row++, 1, 1, 2);
+    return made;
+}
+
+QFrame* ScreenBuilder::addLine(ui::Control<QFrame>& line) {
+    auto* made = line.make(m_panel);
+    made->setFrameShape(QFrame::HLine);
+    made->setFrameShadow(QFrame::Sunken);
+    m_grid->addWidget(made, m_row++, 0, 1, 3);
     return made;
 }
 

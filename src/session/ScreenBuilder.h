@@ -7,6 +7,7 @@
 #include <functional>
 
 class QCheckBox;
+class QFrame;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -55,6 +56,8 @@ class ScreenBuilder {
     static void whenCaptionClicked(QLabel* caption, const std::function<void()>& onClick);
     // A line of text in the field column, such as a note on progress.
     QLabel* addNote(ui::Control<QLabel>& note, const QString& text);
+    // A line across the fields, setting the rows above it apart from those below.
+    QFrame* addLine(ui::Control<QFrame>& line);
     // A drop-down list of parents with its label.
     platform::ComboBox* addComboField(ui::Control<QLabel>& label, const QString& caption,
                                       ui::Control<platform::ComboBox>& combo);

@@ -12,23 +12,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
-#include <QProxyStyle>
 
 namespace {
 
 std::function<void()> g_onLoggedIn;
 std::function<void()> g_onEnd = [] { QCoreApplication::exit(0); };
-
-// The password box shows a "$" for each character typed.
-class DollarMaskStyle : public QProxyStyle {
-  public:
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* returnData) const override {
-        if (hint == SH_LineEdit_PasswordCharacter)
-            return '$';
-        return QProxyStyle::styleHint(hint, option, widget, returnData);
-    }
-};
 
 // The login window: Enter presses Login, Escape and closing the frame end the program.
 class LoginWindow : public QDialog {
@@ -98,10 +86,7 @@ QWidget* frmLogin::build() {
     user->setMaxLength(50);
     auto* password = ui.txtPassword.make(w);
     password->setMaxLength(50);
-    password->setEchoMode(QLineEdit::Password);
-    auto* maskStyle = new DollarMaskStyle;
-    maskStyle->setParent(password);
-    password->setStyle(maskStyle);
+    platform::setPasswordCharacter(password, QLatin1Char('$'));
     // Enter in a box presses Login; Enter on a focused button presses that button.
     auto* login = ui.cmdLogin.make(w);
     login->setText(QStringLiteral("Login"));

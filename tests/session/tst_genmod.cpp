@@ -4,6 +4,8 @@
 #include "support/TestSupport.h"
 
 #include <QtTest>
+#include <algorithm>
+#include <string>
 
 using namespace GenMod;
 using testsupport::messages;
@@ -37,13 +39,28 @@ class TestGenMod : public QObject {
         // The bytes the code page leaves undefined survive the round trip.
         QCOMPARE(ScrambleText(QStringLiteral("~")), QString(QChar(0x81)));
         QCOMPARE(ScrambleText(ScrambleText(QStringLiteral("~rpob"))), QStringLiteral("~rpob"));
-        // The euro sign is byte 0x80 and comes back; a character outside the code page is "?".
+        // The euro sign is byte 0x80 and comes back.
         QCOMPARE(ScrambleText(ScrambleText(QStringLiteral("\u20AC"))), QStringLiteral("\u20AC"));
-        QCOMPARE(ScrambleText(QStringLiteral("\u03A9")), ScrambleText(QStringLiteral("?")));
-        QCOMPARE(ScrambleText(QStringLiteral("\U0001F600")), ScrambleText(QStringLiteral("?")));
         // Code 216 becomes the apostrophe that breaks a statement.
         QCOMPARE(ScrambleText(QString(QChar(216))), QStringLiteral("'"));
         QCOMPARE(ScrambleText(QString()), QString());
+    }
+
+    // Every character, in or outside the code page: scrambled twice it comes back, and no two
+    // scramble alike, so no text outside the code page lands on one of the code page's.
+    void scrambleTextTellsEveryCharacterApart() {
+        std::u32string all;
+        for (char32_t c = 0; c <= 0x10FFFF; ++c)
+            if (c < 0xD800 || c > 0xDFFF)
+                all += c;
+        const QString text = QString::fromUcs4(all.data(), qsizetype(all.size()));
+        const QString scrambled = ScrambleText(text);
+        QCOMPARE(ScrambleText(scrambled), text);
+        QList<uint> out = scrambled.toUcs4();
+        QCOMPARE(out.size(), qsizetype(all.size()));
+        std::sort(out.begin(), out.end());
+        QVERIFY(std::adjacent_find(out.begin(), out.end()) == out.end());
+        QVERIFY(ScrambleText(QStringLiteral("\u0416\u0430\u043D\u043D\u0430")) != ScrambleText("?????"));
     }
 
     void getFieldValueAndRecordExists() {
