@@ -97,3 +97,12 @@ void searchOnOwnConnection(const std::function<void()>& fill) {
         platform::MsgBox(e.description(), platform::vbCritical);
     }
 }
+
+void showAllClicked(const QCheckBox* showAll, QLineEdit* searchText) {
+    if (showAll->isChecked()) {
+        searchText->clear();
+        searchText->setEnabled(false);
+    } else {
+        searchText->setEnabled(true);
+    }
+}

@@ -47,6 +47,10 @@ struct SearchPanel {
     void placeList(QWidget* list) const;
 };
 
+// The click of a "Show all" box, run for every change of its value: while it is checked the
+// search text is emptied and closed to typing.
+void showAllClicked(const QCheckBox* showAll, QLineEdit* searchText);
+
 // Runs `fill` on a connection of its own, for the Search button: an error is shown with the
 // critical icon.
 void searchOnOwnConnection(const std::function<void()>& fill);

@@ -94,12 +94,7 @@ void frmImpContacts::cmd_Click(int index) {
 
 // Runs for every change of the box's value, from the user or from code.
 void frmImpContacts::chkShowAll_Click() {
-    if (ui.chkShowAll->isChecked()) {
-        ui.txtSearchName->clear();
-        ui.txtSearchName->setEnabled(false);
-    } else {
-        ui.txtSearchName->setEnabled(true);
-    }
+    showAllClicked(ui.chkShowAll, ui.txtSearchName);
 }
 
 // Only flips the box; the change of value runs its click.

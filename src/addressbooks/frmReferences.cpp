@@ -86,12 +86,7 @@ void frmReferences::cmd_Click(int index) {
 
 // Runs for every change of the box's value, from the user or from code.
 void frmReferences::chkShowAll_Click() {
-    if (ui.chkShowAll->isChecked()) {
-        ui.txtSearchName->clear();
-        ui.txtSearchName->setEnabled(false);
-    } else {
-        ui.txtSearchName->setEnabled(true);
-    }
+    showAllClicked(ui.chkShowAll, ui.txtSearchName);
 }
 
 // Only flips the box; the change of value runs its click.
