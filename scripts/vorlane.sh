@@ -10,10 +10,11 @@ cd "$(dirname "$0")/.."
 packages=(
   build-essential cmake pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libqt6svg6
-  libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev
+  libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev odbc-postgresql
   qt6-qpa-plugins fonts-dejavu-core fonts-liberation2
 )
-test_packages=(poppler-utils xvfb xauth clang-format sqlite3)
+# The tests also run against a PostgreSQL 15 server of their own (tests/support/pgserver.sh).
+test_packages=(poppler-utils xvfb xauth clang-format sqlite3 postgresql)
 # The benchmark compares the program with the sqlite3 shell on the same file.
 bench_packages=(sqlite3)
 
