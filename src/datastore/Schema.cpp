@@ -213,6 +213,14 @@ bool isDateColumn(const QString& table, const QString& column) {
     return false;
 }
 
+bool isTextColumnName(const QString& name) {
+    for (const Table& t : schema())
+        for (const Column& c : t.columns)
+            if (c.type == ColumnType::Text && c.name.compare(name, Qt::CaseInsensitive) == 0)
+                return true;
+    return false;
+}
+
 bool isSchemaName(const QString& name) {
     return canonicalNames().contains(name.toLower());
 }

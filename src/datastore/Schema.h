@@ -24,6 +24,8 @@ const QVector<Table>& schema();
 const Table* findTable(const QString& name);
 // True when `column` of `table` holds dates, both names regardless of case.
 bool isDateColumn(const QString& table, const QString& column);
+// True when some table has a text column of that name, regardless of case.
+bool isTextColumnName(const QString& name);
 // True when `name` is a table or column name of the schema, regardless of case.
 bool isSchemaName(const QString& name);
 // The name as the schema spells it, or `name` itself when unknown.

@@ -46,6 +46,36 @@ bool isKeyword(const Token& t, const char* keyword) {
     return t.kind == TokenKind::Word && t.text.compare(QLatin1String(keyword), Qt::CaseInsensitive) == 0;
 }
 
+bool isAnyKeyword(const Token& t, std::initializer_list<const char*> keywords) {
+    for (const char* k : keywords)
+        if (isKeyword(t, k))
+            return true;
+    return false;
+}
+
+bool isPunct(const Token& t, const char* text) {
+    return t.kind == TokenKind::Punct && t.text == QLatin1String(text);
+}
+
+int skipSpace(const QVector<Token>& tokens, int i) {
+    while (i < tokens.size() && tokens[i].kind == TokenKind::Space)
+        ++i;
+    return i;
+}
+
+int previousToken(const QVector<Token>& tokens, int i) {
+    for (--i; i >= 0; --i)
+        if (tokens[i].kind != TokenKind::Space)
+            return i;
+    return -1;
+}
+
+QString nameOf(const Token& t) {
+    return t.kind == TokenKind::Word || t.kind == TokenKind::Bracketed || t.kind == TokenKind::Quoted
+               ? t.text
+               : QString();
+}
+
 QVector<Token> tokenize(const QString& s) {
     QVector<Token> out;
     const int n = s.size();

@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QString>
 #include <QVector>
+#include <initializer_list>
 #include <optional>
 
 // The pieces of a statement as the screens write it. Shared by the dialects and the recordset.
@@ -39,5 +40,14 @@ QString quoteString(const QString& value);
 std::optional<QDate> parseScreenDate(const QString& text);
 
 bool isKeyword(const Token& t, const char* keyword);
+bool isAnyKeyword(const Token& t, std::initializer_list<const char*> keywords);
+bool isPunct(const Token& t, const char* text);
+
+// Index of the next token that is not blank, from `i` on; tokens.size() when none.
+int skipSpace(const QVector<Token>& tokens, int i);
+// Index of the token before `i` that is not blank; -1 when none.
+int previousToken(const QVector<Token>& tokens, int i);
+// The name a word, a bracketed or a double-quoted token stands for; empty for any other token.
+QString nameOf(const Token& t);
 
 } // namespace db::sql

@@ -1,174 +1,24 @@
 #include "Dialect.h"
-#include "Errors.h"
 #include "Schema.h"
 #include "SqlText.h"
 #include "TextIndex.h"
 
 #include <QHash>
 #include <QSet>
-#include <functional>
-#include <initializer_list>
 
 namespace db {
 
 namespace {
 
+using sql::isAnyKeyword;
+using sql::isPunct;
+using sql::nameOf;
+using sql::previousToken;
+using sql::skipSpace;
 using sql::Token;
 using sql::TokenKind;
 
-[[noreturn]] void refuse(const QString& why) {
-    throw platform::Error(ErrStatement, why);
-}
-
-QString quotedName(const QString& name) {
-    QString n = canonicalName(name);
-    n.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + n + QLatin1Char('"');
-}
-
-// Index of the next token that is not blank, from `i` on; tokens.size() when none.
-int skipSpace(const QVector<Token>& tokens, int i) {
-    while (i < tokens.size() && tokens[i].kind == TokenKind::Space)
-        ++i;
-    return i;
-}
-
-QString nameOf(const Token& t) {
-    return t.kind == TokenKind::Word || t.kind == TokenKind::Bracketed || t.kind == TokenKind::Quoted
-               ? t.text
-               : QString();
-}
-
-// A '...' text that reads as a date becomes the engine's date; anything else stays as written.
-void convertDateText(Token& t) {
-    if (t.kind != TokenKind::String)
-        return;
-    if (const auto date = sql::parseScreenDate(sql::stringValue(t.text)))
-        t.text = QLatin1Char('\'') + date->toString(Qt::ISODate) + QLatin1Char('\'');
-}
-
-// Insert into T [(c1, c2, ...)] values (v1, v2, ...): each value goes to its column.
-void convertInsertDates(QVector<Token>& tokens, int start) {
-    int i = skipSpace(tokens, start + 1);
-    if (i >= tokens.size() || !sql::isKeyword(tokens[i], "into"))
-        return;
-    i = skipSpace(tokens, i + 1);
-    if (i >= tokens.size())
-        return;
-    const Table* table = findTable(nameOf(tokens[i]));
-    if (!table)
-        return;
-    QStringList columns;
-    for (const Column& c : table->columns)
-        columns << c.name;
-    i = skipSpace(tokens, i + 1);
-    if (i < tokens.size() && tokens[i].text == QLatin1String("(")) {
-        columns.clear();
-        for (++i; i < tokens.size() && tokens[i].text != QLatin1String(")"); ++i)
-            if (const QString n = nameOf(tokens[i]); !n.isEmpty())
-                columns << n;
-        i = skipSpace(tokens, i + 1);
-    }
-    if (i >= tokens.size() || !sql::isKeyword(tokens[i], "values"))
-        return;
-    i = skipSpace(tokens, i + 1);
-    if (i >= tokens.size() || tokens[i].text != QLatin1String("("))
-        return;
-    int depth = 0;
-    int position = 0;
-    int valueStart = -1;
-    int valueTokens = 0;
-    auto finishValue = [&] {
-        if (valueTokens == 1 && position < columns.size() && isDateColumn(table->name, columns[position]))
-            convertDateText(tokens[valueStart]);
-        ++position;
-        valueStart = -1;
-        valueTokens = 0;
-    };
-    for (++i; i < tokens.size(); ++i) {
-        Token& t = tokens[i];
-        if (t.kind == TokenKind::Space)
-            continue;
-        if (t.kind == TokenKind::Punct && t.text == QLatin1String("(")) {
-            ++depth;
-        } else if (t.kind == TokenKind::Punct && t.text == QLatin1String(")")) {
-            if (depth == 0) {
-                finishValue();
-                return;
-            }
-            --depth;
-        } else if (depth == 0 && t.kind == TokenKind::Punct && t.text == QLatin1String(",")) {
-            finishValue();
-            continue;
-        }
-        if (valueStart < 0)
-            valueStart = i;
-        ++valueTokens;
-    }
-}
-
-// Update T set c1 = v1, c2 = v2 ... [where ...]: a lone text put into a date column.
-void convertUpdateDates(QVector<Token>& tokens, int start) {
-    int i = skipSpace(tokens, start + 1);
-    if (i >= tokens.size())
-        return;
-    const Table* table = findTable(nameOf(tokens[i]));
-    i = skipSpace(tokens, i + 1);
-    if (!table || i >= tokens.size() || !sql::isKeyword(tokens[i], "set"))
-        return;
-    ++i;
-    while (i < tokens.size()) {
-        i = skipSpace(tokens, i);
-        if (i >= tokens.size() || sql::isKeyword(tokens[i], "where"))
-            return;
-        const QString column = nameOf(tokens[i]);
-        int eq = skipSpace(tokens, i + 1);
-        if (eq >= tokens.size() || tokens[eq].text != QLatin1String("="))
-            return;
-        int v = skipSpace(tokens, eq + 1);
-        int after = skipSpace(tokens, v + 1);
-        const bool lone = after >= tokens.size() || tokens[after].text == QLatin1String(",") ||
-                          sql::isKeyword(tokens[after], "where") ||
-                          tokens[after].kind == TokenKind::Semicolon;
-        if (v < tokens.size() && lone && isDateColumn(table->name, column))
-            convertDateText(tokens[v]);
-        // On to the next assignment: past the value, at the depth of the set list.
-        int depth = 0;
-        for (i = v; i < tokens.size(); ++i) {
-            const Token& t = tokens[i];
-            if (t.text == QLatin1String("(") && t.kind == TokenKind::Punct)
-                ++depth;
-            else if (t.text == QLatin1String(")") && t.kind == TokenKind::Punct)
-                --depth;
-            else if (depth == 0 && (t.text == QLatin1String(",") || sql::isKeyword(t, "where")))
-                break;
-        }
-        if (i < tokens.size() && tokens[i].text == QLatin1String(","))
-            ++i;
-    }
-}
-
-// ---------------------------------------------------------------------------------------------
 // The contains-search index for `like` on the texts of the documents.
-
-bool isPunct(const Token& t, const char* text) {
-    return t.kind == TokenKind::Punct && t.text == QLatin1String(text);
-}
-
-// Index of the token before `i` that is not blank; -1 when none.
-int previousToken(const QVector<Token>& tokens, int i) {
-    for (--i; i >= 0; --i)
-        if (tokens[i].kind != TokenKind::Space)
-            return i;
-    return -1;
-}
-
-bool isAnyKeyword(const Token& t, std::initializer_list<const char*> keywords) {
-    for (const char* k : keywords)
-        if (sql::isKeyword(t, k))
-            return true;
-    return false;
-}
 
 // Which qualifiers of the statement name Vorlane, and which other tables it reads. Every name of
 // a table that is not part of a qualified column is taken for a use of that table.
@@ -309,17 +159,10 @@ bool isFilterTerm(const QVector<Token>& tokens, int first, int last) {
     }
 }
 
-// Text put before and after a like of the statement.
-struct LikeRewrite {
-    QString before;
-    QString after;
-};
-
 // Each `[<qualifier>.]<text column> like '<pattern>'` of a select that the index can serve, by
 // the index of its first and last token: the rows the index offers, and the like as written.
-QHash<int, LikeRewrite> textIndexRewrites(const QVector<Token>& tokens,
-                                          const std::function<QString(const Token&)>& translateToken) {
-    QHash<int, LikeRewrite> rewrites;
+Dialect::Rewrites textIndexRewrites(const QVector<Token>& tokens) {
+    Dialect::Rewrites rewrites;
     const int first = skipSpace(tokens, 0);
     if (first >= tokens.size() || !sql::isKeyword(tokens[first], "select"))
         return rewrites;
@@ -340,7 +183,7 @@ QHash<int, LikeRewrite> textIndexRewrites(const QVector<Token>& tokens,
             start = previousToken(tokens, dot);
             if (start < 0 || !uses.namesVorlane(nameOf(tokens[start])))
                 continue;
-            owner = translateToken(tokens[start]) + QLatin1Char('.');
+            owner = Dialect::translateToken(tokens[start]) + QLatin1Char('.');
         } else if (!uses.onlyVorlaneHas(columnName)) {
             continue;
         }
@@ -351,7 +194,8 @@ QHash<int, LikeRewrite> textIndexRewrites(const QVector<Token>& tokens,
             continue;
         const QString before =
             QStringLiteral("(%1\"IndexID\" IN (SELECT rowid FROM \"%2\" WHERE %3 MATCH %4) AND ")
-                .arg(owner, QLatin1String(TextIndexTable), quotedName(columnName), sql::quoteString(query));
+                .arg(owner, QLatin1String(TextIndexTable), Dialect::quotedName(columnName),
+                     sql::quoteString(query));
         rewrites[start].before += before;
         rewrites[pattern].after += QStringLiteral(")");
     }
@@ -360,62 +204,8 @@ QHash<int, LikeRewrite> textIndexRewrites(const QVector<Token>& tokens,
 
 } // namespace
 
-QString SqliteDialect::translate(const QString& statement) const {
-    QVector<Token> tokens = sql::tokenize(statement);
-
-    // One statement: a lone ";" at the end is let through, anything after it is refused.
-    for (int i = 0; i < tokens.size(); ++i) {
-        if (tokens[i].kind != TokenKind::Semicolon)
-            continue;
-        if (skipSpace(tokens, i + 1) < tokens.size())
-            refuse(QStringLiteral("Characters found after end of SQL statement."));
-        tokens.resize(i);
-        break;
-    }
-
-    const int first = skipSpace(tokens, 0);
-    if (first < tokens.size()) {
-        if (sql::isKeyword(tokens[first], "insert"))
-            convertInsertDates(tokens, first);
-        else if (sql::isKeyword(tokens[first], "update"))
-            convertUpdateDates(tokens, first);
-    }
-
-    const auto translateToken = [](const Token& t) -> QString {
-        switch (t.kind) {
-        case TokenKind::Word:
-            return isSchemaName(t.text) ? quotedName(t.text) : t.text;
-        case TokenKind::Bracketed:
-            return quotedName(t.text);
-        case TokenKind::Quoted:
-            // Double quotes enclose a text for the screens, unless they name a table or column.
-            return isSchemaName(t.text) ? quotedName(t.text) : sql::quoteString(t.text);
-        case TokenKind::DateLiteral: {
-            const auto date = sql::parseScreenDate(t.text);
-            if (!date)
-                refuse(QStringLiteral("Syntax error in date in query expression '#%1#'.").arg(t.text));
-            return QLatin1Char('\'') + date->toString(Qt::ISODate) + QLatin1Char('\'');
-        }
-        case TokenKind::Semicolon:
-            return QString();
-        default:
-            return t.text;
-        }
-    };
-
-    const QHash<int, LikeRewrite> rewrites =
-        m_textIndex ? textIndexRewrites(tokens, translateToken) : QHash<int, LikeRewrite>();
-    QString out;
-    out.reserve(statement.size() + 32);
-    for (int i = 0; i < tokens.size(); ++i) {
-        const auto rewrite = rewrites.constFind(i);
-        if (rewrite != rewrites.cend())
-            out += rewrite->before;
-        out += translateToken(tokens[i]);
-        if (rewrite != rewrites.cend())
-            out += rewrite->after;
-    }
-    return out;
+Dialect::Rewrites SqliteDialect::rewrites(const QVector<Token>& tokens) const {
+    return m_textIndex ? textIndexRewrites(tokens) : Rewrites();
 }
 
 } // namespace db

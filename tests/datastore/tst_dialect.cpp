@@ -41,6 +41,8 @@ class DialectTest : public QObject {
     void textSearchesLookInTheIndex();
     void otherLikesReadEveryRow_data();
     void otherLikesReadEveryRow();
+    void postgresLikeIgnoresCaseAndEscapes_data();
+    void postgresLikeIgnoresCaseAndEscapes();
 };
 
 void DialectTest::namesAreQuotedWithTheirSpelling_data() {
@@ -244,6 +246,32 @@ void DialectTest::otherLikesReadEveryRow_data() {
 void DialectTest::otherLikesReadEveryRow() {
     QFETCH(QString, statement);
     QCOMPARE(withIndex(statement), translated(statement));
+}
+
+void DialectTest::postgresLikeIgnoresCaseAndEscapes_data() {
+    QTest::addColumn<QString>("in");
+    QTest::addColumn<QString>("out");
+    QTest::newRow("the search screen's statement, dates as on the file")
+        << "Select I.*,F.FileNumber from Vorlane I left join File F on F.FileID=I.FileID Where I.DocDate >= "
+           "#05-Mar-26# and I.Title1 like '%c:\\tax%' order by I.DocDate"
+        << "Select I.*,F.\"FileNumber\" from \"Vorlane\" I left join \"File\" F on F.\"FileID\"=I.\"FileID\" "
+           "Where I.\"DocDate\" >= '2026-03-05' and I.\"Title1\"::text ILIKE '%c:\\tax%' ESCAPE '' order by "
+           "I.\"DocDate\"";
+    QTest::newRow("not like, in parentheses")
+        << "Select * from Contacts where (fullname not like 'a%')"
+        << "Select * from \"Contacts\" where (\"FullName\"::text not ILIKE 'a%' ESCAPE '')";
+    QTest::newRow("an escape of its own") << "Select * from Vorlane where Title1 like '%a!%%' escape '!'"
+                                          << "Select * from \"Vorlane\" where \"Title1\"::text ILIKE '%a!%%' "
+                                             "escape '!'";
+    QTest::newRow("a joined pattern, an expression")
+        << "Select * from Vorlane where lower(Title1) like '%a' || '%'"
+        << "Select * from \"Vorlane\" where lower(\"Title1\") ILIKE '%a' || '%'";
+}
+
+void DialectTest::postgresLikeIgnoresCaseAndEscapes() {
+    QFETCH(QString, in);
+    QFETCH(QString, out);
+    QCOMPARE(db::PostgresDialect().translate(in), out);
 }
 
 QTEST_GUILESS_MAIN(DialectTest)
