@@ -2,11 +2,13 @@
 
 #include "Dialect.h"
 #include "Errors.h"
+#include "PostgresEngine.h"
 #include "QtSqlEngine.h"
 
 #include <QSqlDriver>
 #include <QSqlError>
 
+#include <odbcinst.h>
 #include <sql.h>
 #include <sqlext.h>
 
@@ -16,7 +18,8 @@ namespace {
 
 QString dbmsName(const QSqlDatabase& store) {
     const QVariant handle = store.driver()->handle();
-    if (qstrcmp(handle.typeName(), "SQLHANDLE") != 0)
+    // The driver hands its connection handle out as a SQLHANDLE, which Qt 6 names void*.
+    if (qstrcmp(handle.typeName(), "SQLHANDLE") != 0 && qstrcmp(handle.typeName(), "void*") != 0)
         return QString();
     SQLHANDLE hdbc = *static_cast<const SQLHANDLE*>(handle.data());
     if (!hdbc)
@@ -26,6 +29,32 @@ QString dbmsName(const QSqlDatabase& store) {
     if (!SQL_SUCCEEDED(SQLGetInfo(hdbc, SQL_DBMS_NAME, name, sizeof name, &length)))
         return QString();
     return QString::fromUtf8(reinterpret_cast<const char*>(name));
+}
+
+// A key of the data source's own entry in odbc.ini; empty when the entry has none.
+QString entryValue(const QString& name, const char* key) {
+    char value[512] = {};
+    const QByteArray section = name.toLocal8Bit();
+    SQLGetPrivateProfileString(section.constData(), key, "", value, sizeof value, "odbc.ini");
+    return QString::fromLocal8Bit(value);
+}
+
+bool namesUser(const QString& name) {
+    for (const char* key : {"Username", "UserName", "UID", "User"})
+        if (!entryValue(name, key).isEmpty())
+            return true;
+    return false;
+}
+
+// A refusal of the login: the ODBC state of a refused authorization, or the server's own words
+// for it (the PostgreSQL driver reports every failed connection as 08001).
+bool refusedLogin(const QSqlError& e) {
+    const QString text = e.nativeErrorCode() + QLatin1Char(' ') + e.databaseText();
+    for (const char* sign : {"28000", "28P01", "password authentication failed", "no password supplied",
+                             "authentication failed for user"})
+        if (text.contains(QLatin1String(sign), Qt::CaseInsensitive))
+            return true;
+    return false;
 }
 
 } // namespace
@@ -57,18 +86,23 @@ std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user,
     SqlStore store(QStringLiteral("QODBC"));
     QSqlDatabase& source = store.database();
     source.setDatabaseName(name);
-    source.setUserName(user);
-    source.setPassword(password);
+    // The login of the entry itself, with its password or the one in the server's password
+    // file, takes precedence over the program's.
+    if (!namesUser(name)) {
+        source.setUserName(user);
+        source.setPassword(password);
+    }
     if (!source.open()) {
         const QSqlError e = source.lastError();
-        const bool login = e.nativeErrorCode().contains(QLatin1String("28000")) ||
-                           e.databaseText().contains(QLatin1String("28000"));
-        throw platform::Error(login ? ErrLoginFailed : ErrDataSourceNotFound, QtSqlEngine::describe(e));
+        throw platform::Error(refusedLogin(e) ? ErrLoginFailed : ErrDataSourceNotFound,
+                              QtSqlEngine::describe(e));
     }
     // The DBMS behind the source decides the engine.
     const QString dbms = dbmsName(source);
     if (dbms.contains(QLatin1String("sqlite"), Qt::CaseInsensitive))
         return std::make_unique<QtSqlEngine>(std::move(store), std::make_unique<SqliteDialect>());
+    if (dbms.contains(QLatin1String("postgres"), Qt::CaseInsensitive))
+        return std::make_unique<PostgresEngine>(std::move(store));
     throw platform::Error(ErrDataSourceNotFound,
                           QStringLiteral("The data source %1 runs on %2, which this program cannot use.")
                               .arg(name, dbms.isEmpty() ? QStringLiteral("an unknown engine") : dbms));

@@ -8,8 +8,9 @@ namespace db {
 bool odbcKnows(const QString& name);
 
 // Connects to the data source through ODBC and hands back the engine for the DBMS behind it.
-// A refused login fails with ErrLoginFailed; an unreachable source, or a DBMS this program
-// cannot use, with ErrDataSourceNotFound.
+// The login is the one the data source's entry names, when it names one (its password from the
+// entry or from the server's own password file); otherwise `user` and `password`. A refused login fails with
+// ErrLoginFailed; an unreachable source, or a DBMS this program cannot use, with ErrDataSourceNotFound.
 std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user, const QString& password);
 
 } // namespace db

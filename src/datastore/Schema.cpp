@@ -1,6 +1,10 @@
 #include "Schema.h"
 
+#include "Dialect.h"
+#include "Engine.h"
 #include "Errors.h"
+#include "OdbcSource.h"
+#include "SqlText.h"
 #include "TextIndex.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
@@ -137,7 +141,14 @@ bool hasOwnKey(const Table& t) {
     return t.name != QLatin1String("FieldCaptions") && t.name != QLatin1String("PrintSearchResult");
 }
 
-QString columnDefinition(const Table& t, const Column& c, bool key) {
+enum class Store { Embedded, Server };
+
+bool isScrambled(const Table& t, const Column& c) {
+    return t.name == QLatin1String("Logins") &&
+           (c.name == QLatin1String("UserName") || c.name == QLatin1String("Password"));
+}
+
+QString columnDefinition(Store store, const Table& t, const Column& c, bool key) {
     QString def = QLatin1Char('"') + c.name + QLatin1Char('"');
     switch (c.type) {
     case ColumnType::Number:
@@ -148,27 +159,32 @@ QString columnDefinition(const Table& t, const Column& c, bool key) {
         break;
     case ColumnType::Text:
         // The scrambled columns have no letter case: folding would only equate unrelated
-        // characters (the scrambled "a" and "q" are a case pair).
-        if (t.name == QLatin1String("Logins") &&
-            (c.name == QLatin1String("UserName") || c.name == QLatin1String("Password")))
+        // characters (the scrambled "a" and "q" are a case pair). Every other text compares
+        // regardless of case: a collation of the connection's own on the file, citext on the
+        // server.
+        if (isScrambled(t, c))
             def += QStringLiteral(" TEXT");
         else
-            def += QStringLiteral(" TEXT COLLATE NOCASE");
+            def +=
+                store == Store::Embedded ? QStringLiteral(" TEXT COLLATE NOCASE") : QStringLiteral(" CITEXT");
         break;
     }
     return def;
 }
 
-QStringList creationStatements() {
+QStringList creationStatements(Store store) {
     QStringList out;
+    if (store == Store::Server)
+        out << QStringLiteral("CREATE EXTENSION IF NOT EXISTS citext")
+            << QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm");
     for (const Table& t : schema()) {
         QStringList cols;
         for (int i = 0; i < t.columns.size(); ++i)
-            cols << columnDefinition(t, t.columns[i], i == 0 && hasOwnKey(t));
+            cols << columnDefinition(store, t, t.columns[i], i == 0 && hasOwnKey(t));
         out << QStringLiteral("CREATE TABLE \"%1\" (%2)").arg(t.name, cols.join(QStringLiteral(", ")));
     }
     // Searches filter and order by the dates and the classification keys. Text columns get no
-    // ordinary index: the connections fold their case with a collation of their own.
+    // ordinary index: they compare regardless of case.
     const char* const indexes[][2] = {
         {"Vorlane", "DocDate"},
         {"Vorlane", "FollowupDate"},
@@ -184,8 +200,16 @@ QStringList creationStatements() {
     for (const auto& ix : indexes)
         out << QStringLiteral("CREATE INDEX \"ix%1%2\" ON \"%1\" (\"%2\")")
                    .arg(QLatin1String(ix[0]), QLatin1String(ix[1]));
-    // The contains-search of the four texts of the documents goes through an index of their own.
-    out << textIndexStatements();
+    // The contains-search of the four texts of the documents goes through an index of their own:
+    // trigrams of the texts, on the server of each column as plain text (PostgresDialect).
+    if (store == Store::Embedded) {
+        out << textIndexStatements();
+    } else {
+        for (const char* column : {"Title1", "Title2", "Bookmark", "Remarks"})
+            out << QStringLiteral("CREATE INDEX \"ixVorlane%1Trigrams\" ON \"Vorlane\" "
+                                  "USING gin ((\"%1\"::text) gin_trgm_ops)")
+                       .arg(QLatin1String(column));
+    }
     return out;
 }
 
@@ -258,7 +282,7 @@ void createDatabase(const QString& path, const QString& scrambledUserName, const
         } else {
             QSqlQuery q(store);
             QStringList statements{QStringLiteral("PRAGMA journal_mode=DELETE"), QStringLiteral("BEGIN")};
-            statements << creationStatements();
+            statements << creationStatements(Store::Embedded);
             statements << QStringLiteral("INSERT INTO \"Logins\" VALUES (1, ?, ?, 0, 0, 1, 1)")
                        << QStringLiteral("COMMIT");
             for (const QString& sql : statements) {
@@ -288,6 +312,48 @@ void createDatabase(const QString& path, const QString& scrambledUserName, const
         QFile::remove(path);
         throw platform::Error(ErrStatement,
                               failure.isEmpty() ? QStringLiteral("Cannot create %1").arg(path) : failure);
+    }
+}
+
+} // namespace db
+
+namespace db {
+
+void createServerDatabase(const QString& dataSource, const QString& user, const QString& password,
+                          const QString& scrambledUserName, const QString& scrambledPassword) {
+    const auto engine = openOdbcSource(dataSource, user, password);
+    if (!dynamic_cast<const PostgresDialect*>(&engine->dialect()))
+        throw platform::Error(
+            ErrDataSourceNotFound,
+            QStringLiteral("The data source %1 is not on a PostgreSQL server.").arg(dataSource));
+    QStringList names;
+    for (const Table& t : schema())
+        names << sql::quoteString(t.name.toLower());
+    const Rows existing = engine->select(
+        QStringLiteral(
+            "SELECT table_name FROM information_schema.tables WHERE table_schema = current_schema() "
+            "AND lower(table_name) IN (%1)")
+            .arg(names.join(QLatin1Char(','))));
+    if (!existing.values.isEmpty())
+        throw platform::Error(ErrStatement,
+                              QStringLiteral("The database of %1 already holds the table %2; it is "
+                                             "left as it is.")
+                                  .arg(dataSource, existing.values.first().first().toString()));
+    engine->beginTransaction();
+    try {
+        for (const QString& statement : creationStatements(Store::Server))
+            engine->execute(statement);
+        engine->insert(QStringLiteral("Logins"), {{QStringLiteral("UserID"), 1},
+                                                  {QStringLiteral("UserName"), scrambledUserName},
+                                                  {QStringLiteral("Password"), scrambledPassword},
+                                                  {QStringLiteral("View"), 0},
+                                                  {QStringLiteral("Save"), 0},
+                                                  {QStringLiteral("Modify"), 1},
+                                                  {QStringLiteral("UpdatedBy"), 1}});
+        engine->commitTransaction();
+    } catch (...) {
+        engine->rollbackTransaction();
+        throw;
     }
 }
 

@@ -41,4 +41,11 @@ QString backupFolder();   // <program folder>/Database/Backup
 // Refuses (throws platform::Error) when the file exists.
 void createDatabase(const QString& path, const QString& scrambledUserName, const QString& scrambledPassword);
 
+// Creates the schema, its indexes and the first user, as createDatabase does, in the database
+// of a data source on a PostgreSQL server, with the login that the data source's entry names
+// or else `user` and `password` (openOdbcSource). Refuses (throws platform::Error) a database
+// that holds any of the tables already.
+void createServerDatabase(const QString& dataSource, const QString& user, const QString& password,
+                          const QString& scrambledUserName, const QString& scrambledPassword);
+
 } // namespace db

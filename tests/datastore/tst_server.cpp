@@ -1,31 +1,172 @@
+#include "datastore/Ado.h"
 #include "datastore/OdbcSource.h"
+#include "datastore/Schema.h"
 
+#include <QDate>
+#include <QElapsedTimer>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QtTest>
 
-// The data source "Vorlane" on the tests' own PostgreSQL server (support/pgserver.sh).
-class ServerTest : public QObject {
-    Q_OBJECT
-  private slots:
-    void dataSourceReachesTheServer();
-};
+namespace {
 
-void ServerTest::dataSourceReachesTheServer() {
-    QVERIFY(db::odbcKnows(QStringLiteral("vorlane")));
+const QString User = QStringLiteral("Admin");
+const QString Password = QStringLiteral("tarvo@48213");
+
+int errorOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const platform::Error& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+// Empties the database of the data source "Vorlane": no table, no extension.
+void emptyServerDatabase() {
     {
-        QSqlDatabase store = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), QStringLiteral("probe"));
+        QSqlDatabase store = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), QStringLiteral("empty"));
         store.setDatabaseName(QStringLiteral("Vorlane"));
         QVERIFY2(store.open(), qPrintable(store.lastError().text()));
         QSqlQuery q(store);
-        QVERIFY(q.exec(QStringLiteral("select current_user, current_setting('server_version_num')::int")));
-        QVERIFY(q.next());
-        // The login that the entry names, on a server of version 15 or later.
-        QCOMPARE(q.value(0).toString(), QStringLiteral("vorlane"));
-        QVERIFY(q.value(1).toInt() >= 150000);
+        for (const char* statement : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
+            QVERIFY2(q.exec(QLatin1String(statement)), qPrintable(q.lastError().text()));
     }
-    QSqlDatabase::removeDatabase(QStringLiteral("probe"));
+    QSqlDatabase::removeDatabase(QStringLiteral("empty"));
+}
+
+db::ConnectionPtr open(const QString& dataSource = QStringLiteral("Vorlane")) {
+    auto c = std::make_shared<db::Connection>();
+    c->Open(dataSource, User, Password);
+    return c;
+}
+
+QVariantList column(const db::ConnectionPtr& c, const QString& statement) {
+    db::Recordset rs;
+    rs.Open(statement, c);
+    QVariantList values;
+    for (; !rs.eof(); rs.MoveNext())
+        values << rs.Fields(0);
+    return values;
+}
+
+} // namespace
+
+// The data source "Vorlane" on the tests' own PostgreSQL server (support/pgserver.sh), whose
+// odbc.ini entry names a login of its own.
+class ServerTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void initTestCase();
+
+    void setUpCreatesTheTablesOnce();
+    void screensStatementsRunAsOnTheFile();
+    void writersTakeTurns();
+    void loginsAndUnreachableServer();
+};
+
+void ServerTest::initTestCase() {
+    QVERIFY(db::odbcKnows(QStringLiteral("vorlane")));
+    emptyServerDatabase();
+}
+
+void ServerTest::setUpCreatesTheTablesOnce() {
+    db::createServerDatabase(QStringLiteral("Vorlane"), User, Password, QStringLiteral("ÞÛ"),
+                             QStringLiteral("þû"));
+    auto c = open();
+    QCOMPARE(column(c, QStringLiteral("Select UserName from Logins where Modify=1 and UserID=1")),
+             QVariantList({QStringLiteral("ÞÛ")}));
+    // A second run leaves the database as it is.
+    QCOMPARE(errorOf([] {
+                 db::createServerDatabase(QStringLiteral("Vorlane"), User, Password, QStringLiteral("a"),
+                                          QStringLiteral("b"));
+             }),
+             db::ErrStatement);
+    QCOMPARE(column(c, QStringLiteral("Select count(*) from Logins")), QVariantList({qint64(1)}));
+}
+
+void ServerTest::screensStatementsRunAsOnTheFile() {
+    auto c = open();
+    // Max on an empty table is one Null.
+    QCOMPARE(column(c, QStringLiteral("Select Max(IndexID) from Vorlane")), QVariantList({QVariant()}));
+
+    // The positional Insert and the Update with their quoted dates; reserved names bare.
+    c->BeginTrans();
+    c->Execute(QStringLiteral("Insert into File values(1,'F-1','Ärger im Büro',1)"));
+    c->Execute(QStringLiteral("Insert into Vorlane Values(1, '05/Mar/2026','07/Apr/2026',1,1,1,1,'Ärger "
+                              "über Miete','t2','C:\\Docs\\a.pdf',1,'b','r',1)"));
+    c->Execute(QStringLiteral("Insert into Vorlane Values(2, '05/Mar/1999','07/Apr/1999',1,1,1,1,'x','y','"
+                              "/tmp/b',2,'b','r',1)"));
+    c->CommitTrans();
+    c->Execute(
+        QStringLiteral("Update Vorlane Set DocDate='06/Mar/2026', Remarks='05/Mar/2026' where IndexID=1"));
+    QCOMPARE(column(c, QStringLiteral("Select docdate from vorlane where IndexID=1")),
+             QVariantList({QDate(2026, 3, 6)}));
+    QCOMPARE(column(c, QStringLiteral("Select Remarks from Vorlane where IndexID=1")),
+             QVariantList({QStringLiteral("05/Mar/2026")}));
+    // Texts of any length come back whole.
+    const QString remarks = QStringLiteral("Mietvertrag ").repeated(500);
+    c->Execute(QStringLiteral("Update Vorlane Set Remarks='%1' where IndexID=2").arg(remarks));
+    QCOMPARE(column(c, QStringLiteral("Select Remarks from Vorlane where IndexID=2")),
+             QVariantList({remarks}));
+
+    // The search: the left join with aliases, dates between '#', like and '=' regardless of case
+    // in every alphabet, a backslash in a pattern standing for itself.
+    const QString search =
+        QStringLiteral("Select I.*,F.FileNumber from Vorlane I left join File F on F.FileID=I.FileID ");
+    QCOMPARE(column(c, search + QStringLiteral("where I.DocDate >= #01-Jan-26# and I.Title1 like '%ÄRGER%'")),
+             QVariantList({qint64(1)}));
+    QCOMPARE(column(c, search + QStringLiteral("where I.FilePath like '%\\docs\\%' order by I.IndexID")),
+             QVariantList({qint64(1)}));
+    db::Recordset rs;
+    rs.Open(search + QStringLiteral("order by I.docDate"), c, db::adOpenStatic, db::adLockReadOnly);
+    QCOMPARE(rs.Fields(QStringLiteral("filenumber")), QVariant());
+    rs.MoveNext();
+    QCOMPARE(rs.Fields(QStringLiteral("FileNumber")), QVariant(QStringLiteral("F-1")));
+    QCOMPARE(column(c, QStringLiteral("Select FileID from File where Particulars='ärger IM büro'")),
+             QVariantList({qint64(1)}));
+    // The scrambled columns compare exactly.
+    QVERIFY(column(c, QStringLiteral("Select UserID from Logins where UserName='þû'")).isEmpty());
+    c->Execute(QStringLiteral("Delete from Vorlane where DocDate < #01/Jan/2000#"));
+    QCOMPARE(column(c, QStringLiteral("Select count(IndexID) from Vorlane")), QVariantList({qint64(1)}));
+
+    // A second statement or a comment never reaches the server.
+    QCOMPARE(
+        errorOf([&] { c->Execute(QStringLiteral("Delete from File where FileID=1; Delete from Logins")); }),
+        db::ErrStatement);
+    QCOMPARE(errorOf([&] { c->Execute(QStringLiteral("Delete from Logins -- where UserID=2")); }),
+             db::ErrStatement);
+    QCOMPARE(column(c, QStringLiteral("Select count(*) from Logins")), QVariantList({qint64(1)}));
+}
+
+void ServerTest::writersTakeTurns() {
+    auto first = open();
+    auto second = open();
+    second->CommandTimeout = 1;
+    first->BeginTrans();
+    const qint64 next =
+        column(first, QStringLiteral("Select Max(TypeID) from DocumentType")).value(0).toLongLong() + 1;
+    // The second seat cannot begin while the first holds the turn, whatever table it writes.
+    QElapsedTimer waited;
+    waited.start();
+    QCOMPARE(errorOf([&] { second->BeginTrans(); }), db::ErrStatement);
+    QVERIFY(waited.elapsed() >= 900);
+    QVERIFY(!second->inTransaction());
+    first->Execute(QStringLiteral("Insert into DocumentType values(%1,'Lease',1)").arg(next));
+    first->CommitTrans();
+    // Then it sees the first seat's key.
+    second->BeginTrans();
+    QCOMPARE(column(second, QStringLiteral("Select Max(TypeID) from DocumentType")), QVariantList({next}));
+    second->RollbackTrans();
+}
+
+void ServerTest::loginsAndUnreachableServer() {
+    // An entry without a login of its own takes the program's user and password; the server
+    // knows no such role.
+    QCOMPARE(errorOf([] { open(QStringLiteral("VorlaneNoLogin")); }), db::ErrLoginFailed);
+    QCOMPARE(errorOf([] { open(QStringLiteral("VorlaneWrongPassword")); }), db::ErrLoginFailed);
+    QCOMPARE(errorOf([] { open(QStringLiteral("VorlaneDown")); }), db::ErrDataSourceNotFound);
 }
 
 QTEST_GUILESS_MAIN(ServerTest)

@@ -1,5 +1,6 @@
 // Creates the delivered database: the schema, the first user (UserID 1, level Modify) and the
-// backup folder beside it.
+// backup folder beside it; or, with --data-source, the same schema and first user in the
+// database of a data source on a PostgreSQL server.
 #include "datastore/Schema.h"
 #include "platform/Error.h"
 #include "session/GenMod.h"
@@ -32,7 +33,12 @@ int main(int argc, char* argv[]) {
                                       QStringLiteral("password"), QStringLiteral("admin"));
     const QCommandLineOption ifMissing(QStringLiteral("if-missing"),
                                        QStringLiteral("Do nothing, successfully, when the database exists."));
-    parser.addOptions({database, user, password, ifMissing});
+    const QCommandLineOption dataSource(
+        QStringLiteral("data-source"),
+        QStringLiteral("Create the tables in the database of this ODBC data source on a PostgreSQL "
+                       "server instead of a file, with the login that its odbc.ini entry names."),
+        QStringLiteral("name"));
+    parser.addOptions({database, user, password, ifMissing, dataSource});
     parser.process(app);
 
     QTextStream out(stdout);
@@ -40,6 +46,23 @@ int main(int argc, char* argv[]) {
     const QString path = QFileInfo(parser.value(database)).absoluteFilePath();
     const QString userName = parser.value(user).trimmed();
     const QString userPassword = parser.value(password).trimmed();
+
+    if (parser.isSet(dataSource)) {
+        const QString name = parser.value(dataSource);
+        if (userName.isEmpty() || userPassword.isEmpty()) {
+            err << "VorlaneSetup: the user name and the password must not be empty.\n";
+            return 2;
+        }
+        try {
+            db::createServerDatabase(name, GenMod::DataSourceUser, GenMod::DataSourcePassword,
+                                     GenMod::ScrambleText(userName), GenMod::ScrambleText(userPassword));
+        } catch (const platform::Error& e) {
+            err << "VorlaneSetup: cannot create the tables of " << name << ": " << e.description() << "\n";
+            return 1;
+        }
+        out << "Created the tables of " << name << " with the user \"" << userName << "\" (level Modify).\n";
+        return 0;
+    }
 
     if (QFileInfo::exists(path)) {
         if (parser.isSet(ifMissing))

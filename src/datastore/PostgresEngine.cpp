@@ -1,0 +1,39 @@
+#include "PostgresEngine.h"
+
+#include "Dialect.h"
+#include "Errors.h"
+
+namespace db {
+
+namespace {
+
+// The key of the writers' lock: any number that nothing else on the database uses.
+constexpr qint64 WriteLockKey = 0x566f726c616e65; // "Vorlane"
+
+} // namespace
+
+PostgresEngine::PostgresEngine(SqlStore store)
+    : QtSqlEngine(std::move(store), std::make_unique<PostgresDialect>()) {}
+
+void PostgresEngine::setTimeout(int seconds) {
+    if (seconds == m_timeout)
+        return;
+    execute(QStringLiteral("SET lock_timeout = %1").arg(qMax(0, seconds) * 1000));
+    m_timeout = seconds;
+}
+
+void PostgresEngine::beginTransaction() {
+    QtSqlEngine::beginTransaction();
+    try {
+        execute(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(WriteLockKey));
+    } catch (...) {
+        try {
+            QtSqlEngine::rollbackTransaction();
+        } catch (const platform::Error&) {
+            // The connection is gone: so is its transaction.
+        }
+        throw;
+    }
+}
+
+} // namespace db

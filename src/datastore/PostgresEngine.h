@@ -1,0 +1,22 @@
+#pragma once
+
+#include "QtSqlEngine.h"
+
+namespace db {
+
+// A database on a PostgreSQL server, reached through its ODBC driver. Beginning a transaction
+// takes one lock that every seat's writing transaction takes (a transaction-level advisory lock,
+// let go at its end), so that NextID and the Insert after it run for one seat at a time, as on
+// the embedded file. The wait for it is bounded by the timeout.
+class PostgresEngine : public QtSqlEngine {
+  public:
+    explicit PostgresEngine(SqlStore store);
+
+    void setTimeout(int seconds) override;
+    void beginTransaction() override;
+
+  private:
+    int m_timeout = -1; // the wait in force on the server, in seconds; -1 before the first
+};
+
+} // namespace db
