@@ -149,7 +149,10 @@ bool isScrambled(const Table& t, const Column& c) {
 }
 
 QString columnDefinition(Store store, const Table& t, const Column& c, bool key) {
-    QString def = QLatin1Char('"') + c.name + QLatin1Char('"');
+    // The server tells quoted names apart by case: a column there is spelled as the dialects
+    // quote its name (canonicalName), where two tables spell it differently.
+    const QString name = store == Store::Server ? canonicalName(c.name) : c.name;
+    QString def = QLatin1Char('"') + name + QLatin1Char('"');
     switch (c.type) {
     case ColumnType::Number:
         def += key ? QStringLiteral(" INTEGER PRIMARY KEY") : QStringLiteral(" INTEGER");

@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include "datastore/Dialect.h"
+#include "datastore/OdbcSource.h"
 #include "datastore/Schema.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
@@ -14,13 +16,26 @@
 
 namespace testsupport {
 
+bool onServer() {
+    static const bool server = db::odbcKnows(GenMod::DataSourceName);
+    return server;
+}
+
 namespace {
+
+// A statement of a test, written for the embedded file, as the test's data store runs it.
+QString forStore(const QString& sql) {
+    return onServer() ? db::PostgresDialect().translate(sql) : sql;
+}
+
+// Runs `f` on a connection of its own to the test's data store.
 template <class F> auto withDb(const QString& path, F f) {
     const QString name = QStringLiteral("testsupport-") + QUuid::createUuid().toString();
     decltype(f(std::declval<QSqlDatabase&>())) result{};
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(onServer() ? QStringLiteral("QODBC") : QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(onServer() ? GenMod::DataSourceName : path);
         if (!db.open())
             qFatal("cannot open test database: %s", qPrintable(db.lastError().text()));
         result = f(db);
@@ -29,6 +44,7 @@ template <class F> auto withDb(const QString& path, F f) {
     QSqlDatabase::removeDatabase(name);
     return result;
 }
+
 } // namespace
 
 TestEnvironment::TestEnvironment(bool withDatabase) {
@@ -56,18 +72,36 @@ QString TestEnvironment::databasePath() const {
 }
 
 void TestEnvironment::createDatabase() {
-    db::createDatabase(databasePath(), GenMod::ScrambleText(QStringLiteral("admin")),
-                       GenMod::ScrambleText(QStringLiteral("admin")));
+    const QString user = GenMod::ScrambleText(QStringLiteral("admin"));
+    const QString password = GenMod::ScrambleText(QStringLiteral("admin"));
+    if (!onServer()) {
+        db::createDatabase(databasePath(), user, password);
+        return;
+    }
+    removeDatabase();
+    db::createServerDatabase(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword, user,
+                             password);
 }
 
 void TestEnvironment::removeDatabase() {
-    QFile::remove(databasePath());
+    if (!onServer()) {
+        QFile::remove(databasePath());
+        return;
+    }
+    // The server's database without any table (its public schema made anew).
+    withDb(QString(), [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        for (const char* sql : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
+            if (!q.exec(QLatin1String(sql)))
+                qFatal("cannot empty the server's database: %s", qPrintable(q.lastError().text()));
+        return 0;
+    });
 }
 
 void TestEnvironment::exec(const QString& sql) const {
     withDb(databasePath(), [&](QSqlDatabase& db) {
         QSqlQuery q(db);
-        if (!q.exec(sql))
+        if (!q.exec(forStore(sql)))
             qFatal("test statement failed: %s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
         return 0;
     });
@@ -76,7 +110,7 @@ void TestEnvironment::exec(const QString& sql) const {
 QVariant TestEnvironment::scalar(const QString& sql) const {
     return withDb(databasePath(), [&](QSqlDatabase& db) {
         QSqlQuery q(db);
-        if (!q.exec(sql))
+        if (!q.exec(forStore(sql)))
             qFatal("test query failed: %s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
         return q.next() ? q.value(0) : QVariant();
     });

@@ -10,7 +10,9 @@ namespace testsupport {
 
 // A program folder of its own for one test: a temporary folder holding Database/Vorlane.mdb
 // (created with the first user "admin"/"admin", level Modify), a settings folder, and the
-// platform stand-ins in test mode. Nothing of the user's own configuration is touched.
+// platform stand-ins in test mode. Nothing of the user's own configuration is touched. When
+// the data source "Vorlane" is known (the tests against the server), the database is instead
+// the server's, emptied and created anew in the same way.
 class TestEnvironment {
   public:
     explicit TestEnvironment(bool withDatabase = true);
@@ -21,7 +23,8 @@ class TestEnvironment {
     void createDatabase();
     void removeDatabase();
 
-    // Runs statements directly on the embedded file, for setting up and checking data.
+    // Runs statements directly on the data store, for setting up and checking data; on the
+    // server they are translated as the program's are.
     void exec(const QString& sql) const;
     QVariant scalar(const QString& sql) const;
     int count(const QString& table) const;
@@ -29,6 +32,10 @@ class TestEnvironment {
   private:
     QTemporaryDir m_dir;
 };
+
+// True when the tests run against the server (the data source "Vorlane" is known), not the
+// embedded file.
+bool onServer();
 
 // Logs in as a user of the given level without the login screen.
 void setSession(qint16 userID, const QString& rights);
