@@ -382,6 +382,8 @@ class TestReferences : public QObject {
 
     // Another seat holding the write lock makes this save wait, then take the next key.
     void twoSeatsNeverShareAKey() {
+        if (testsupport::onServer())
+            QSKIP("The other seat writes the embedded file.");
         form().Show();
         enter("Mine", "", "https://mine.example");
         std::atomic<bool> locked = false;

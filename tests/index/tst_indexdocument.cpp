@@ -426,8 +426,6 @@ class TestIndexDocument : public QObject {
     // The data store going away between operations: each one tells it and the screen stays
     // usable; a failed save writes nothing.
     void theDataStoreGoingAway() {
-        if (testsupport::onServer())
-            QSKIP("Takes the database file away; the server stopping is not driven yet.");
         document(1, "2026-01-01", "First");
         form().Show();
         press(1);

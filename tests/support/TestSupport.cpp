@@ -7,6 +7,8 @@
 #include "session/Session.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -45,6 +47,27 @@ template <class F> auto withDb(const QString& path, F f) {
     return result;
 }
 
+// The server's database without any table (its public schema made anew).
+void emptyServerDatabase() {
+    withDb(QString(), [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        for (const char* sql : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
+            if (!q.exec(QLatin1String(sql)))
+                qFatal("cannot empty the server's database: %s", qPrintable(q.lastError().text()));
+        return 0;
+    });
+}
+
+// Stops ("pause") or starts again ("resume") the tests' server (support/pgserver.sh), whose
+// odbc.ini the tests use.
+void serverControl(const char* command) {
+    const QString state = QFileInfo(qEnvironmentVariable("ODBCINI")).absolutePath();
+    const int rc = QProcess::execute(
+        QStringLiteral("sh"), {QStringLiteral(VORLANE_PGSERVER_SCRIPT), QLatin1String(command), state});
+    if (rc != 0)
+        qFatal("pgserver.sh %s failed", command);
+}
+
 } // namespace
 
 TestEnvironment::TestEnvironment(bool withDatabase) {
@@ -61,6 +84,8 @@ TestEnvironment::TestEnvironment(bool withDatabase) {
 
 TestEnvironment::~TestEnvironment() {
     GenMod::Conn.reset();
+    if (m_serverStopped)
+        serverControl("resume");
     platform::test::setAppPath(QString());
 }
 
@@ -78,7 +103,11 @@ void TestEnvironment::createDatabase() {
         db::createDatabase(databasePath(), user, password);
         return;
     }
-    removeDatabase();
+    if (m_serverStopped) {
+        serverControl("resume");
+        m_serverStopped = false;
+    }
+    emptyServerDatabase();
     db::createServerDatabase(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword, user,
                              password);
 }
@@ -88,14 +117,10 @@ void TestEnvironment::removeDatabase() {
         QFile::remove(databasePath());
         return;
     }
-    // The server's database without any table (its public schema made anew).
-    withDb(QString(), [](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        for (const char* sql : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
-            if (!q.exec(QLatin1String(sql)))
-                qFatal("cannot empty the server's database: %s", qPrintable(q.lastError().text()));
-        return 0;
-    });
+    // The server's counterpart of a missing file: the server stops, until createDatabase.
+    if (!m_serverStopped)
+        serverControl("pause");
+    m_serverStopped = true;
 }
 
 void TestEnvironment::exec(const QString& sql) const {

@@ -12,7 +12,8 @@ namespace testsupport {
 // (created with the first user "admin"/"admin", level Modify), a settings folder, and the
 // platform stand-ins in test mode. Nothing of the user's own configuration is touched. When
 // the data source "Vorlane" is known (the tests against the server), the database is instead
-// the server's, emptied and created anew in the same way.
+// the server's, emptied and created anew in the same way, and removeDatabase stops the server
+// until the next createDatabase.
 class TestEnvironment {
   public:
     explicit TestEnvironment(bool withDatabase = true);
@@ -31,6 +32,7 @@ class TestEnvironment {
 
   private:
     QTemporaryDir m_dir;
+    bool m_serverStopped = false; // removeDatabase stopped the server
 };
 
 // True when the tests run against the server (the data source "Vorlane" is known), not the

@@ -3,6 +3,7 @@
 # on a Unix socket in that folder, run by a user that is not root (the server refuses root).
 #   pgserver.sh start <state folder> <server bin folder> <psqlODBC driver>
 #   pgserver.sh stop  <state folder>
+#   pgserver.sh pause|resume <state folder>   stops the running server, or starts it again
 # The state folder receives odbcinst.ini and odbc.ini, which describe the data source "Vorlane"
 # on the server (point ODBCSYSINI and ODBCINI at them), and beside it the same database under
 # an entry without a login, one with a wrong password and one of a server that is not there; the superuser's password file pgpass,
@@ -34,6 +35,15 @@ as_owner() {
   fi
 }
 
+# Starts the server of an existing cluster.
+serve() {
+  dir=$1
+  bin=$(cat "$dir/bin")
+  as_owner "$dir" "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w -t 60 \
+    -o "-c listen_addresses='' -c unix_socket_directories='$dir' -p 5432 -c fsync=off" start >/dev/null ||
+    { cat "$dir/server.log" >&2; exit 1; }
+}
+
 case "$1" in
   start)
     bin=$3
@@ -49,9 +59,7 @@ case "$1" in
     as_owner "$dir" "$bin/initdb" -D "$dir/data" -U postgres --pwfile="$dir/pw" --auth=scram-sha-256 \
       -E UTF8 --locale=C.UTF-8 >"$dir/initdb.log" 2>&1 || { cat "$dir/initdb.log" >&2; exit 1; }
     rm -f "$dir/pw"
-    as_owner "$dir" "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w -t 60 \
-      -o "-c listen_addresses='' -c unix_socket_directories='$dir' -p 5432 -c fsync=off" start >/dev/null ||
-      { cat "$dir/server.log" >&2; exit 1; }
+    serve "$dir"
 
     # The superuser's password for the tests that make databases, in PostgreSQL's own file.
     printf '*:5432:*:postgres:%s\n' "$superpw" >"$state/pgpass"
@@ -101,8 +109,15 @@ EOF
   stop)
     stop
     ;;
+  pause) # the server stops, its cluster stays
+    dir=$(cat "$state/cluster")
+    as_owner "$dir" "$(cat "$dir/bin")/pg_ctl" -D "$dir/data" -m fast -w stop >/dev/null
+    ;;
+  resume)
+    serve "$(cat "$state/cluster")"
+    ;;
   *)
-    echo "usage: pgserver.sh start|stop <state folder> [<server bin folder> <psqlODBC driver>]" >&2
+    echo "usage: pgserver.sh start|stop|pause|resume <state folder> [<server bin folder> <psqlODBC driver>]" >&2
     exit 2
     ;;
 esac
