@@ -7,6 +7,7 @@
 
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlQuery>
 
 #include <odbcinst.h>
 #include <sql.h>
@@ -82,23 +83,11 @@ bool odbcKnows(const QString& name) {
     return found;
 }
 
-std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user, const QString& password) {
-    SqlStore store(QStringLiteral("QODBC"));
-    QSqlDatabase& source = store.database();
-    source.setDatabaseName(name);
-    // The login of the entry itself, with its password or the one in the server's password
-    // file, takes precedence over the program's.
-    if (!namesUser(name)) {
-        source.setUserName(user);
-        source.setPassword(password);
-    }
-    if (!source.open()) {
-        const QSqlError e = source.lastError();
-        throw platform::Error(refusedLogin(e) ? ErrLoginFailed : ErrDataSourceNotFound,
-                              QtSqlEngine::describe(e));
-    }
-    // The DBMS behind the source decides the engine.
-    const QString dbms = dbmsName(source);
+namespace {
+
+// The engine for the DBMS behind the open `store`.
+std::unique_ptr<QtSqlEngine> engineFor(SqlStore store, const QString& name) {
+    const QString dbms = dbmsName(store.database());
     if (dbms.contains(QLatin1String("sqlite"), Qt::CaseInsensitive))
         return std::make_unique<QtSqlEngine>(std::move(store), std::make_unique<SqliteDialect>());
     if (dbms.contains(QLatin1String("postgres"), Qt::CaseInsensitive))
@@ -106,6 +95,48 @@ std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user,
     throw platform::Error(ErrDataSourceNotFound,
                           QStringLiteral("The data source %1 runs on %2, which this program cannot use.")
                               .arg(name, dbms.isEmpty() ? QStringLiteral("an unknown engine") : dbms));
+}
+
+// A connection kept from an earlier engine that still answers: the server may have gone away
+// or restarted since.
+std::optional<SqlStore> answeringIdle(const QString& key) {
+    while (auto store = idle::take(key)) {
+        bool answers = false;
+        {
+            QSqlQuery q(store->database());
+            answers = q.exec(QStringLiteral("SELECT 1")) && q.next();
+        }
+        if (answers)
+            return store;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user, const QString& password) {
+    const QString key = name + QLatin1Char('\n') + user + QLatin1Char('\n') + password;
+    std::optional<SqlStore> kept = answeringIdle(key);
+    if (!kept) {
+        SqlStore store(QStringLiteral("QODBC"));
+        QSqlDatabase& source = store.database();
+        source.setDatabaseName(name);
+        // The login of the entry itself, with its password or the one in the server's password
+        // file, takes precedence over the program's.
+        if (!namesUser(name)) {
+            source.setUserName(user);
+            source.setPassword(password);
+        }
+        if (!source.open()) {
+            const QSqlError e = source.lastError();
+            throw platform::Error(refusedLogin(e) ? ErrLoginFailed : ErrDataSourceNotFound,
+                                  QtSqlEngine::describe(e));
+        }
+        kept.emplace(std::move(store));
+    }
+    auto engine = engineFor(std::move(*kept), name);
+    engine->keepWhenDone(key);
+    return engine;
 }
 
 } // namespace db

@@ -28,12 +28,17 @@ void PostgresEngine::beginTransaction() {
         execute(QStringLiteral("SELECT pg_advisory_xact_lock(%1)").arg(WriteLockKey));
     } catch (...) {
         try {
-            QtSqlEngine::rollbackTransaction();
+            rollbackTransaction();
         } catch (const platform::Error&) {
             // The connection is gone: so is its transaction.
         }
         throw;
     }
+}
+
+void PostgresEngine::rollbackTransaction() {
+    m_timeout = -1;
+    QtSqlEngine::rollbackTransaction();
 }
 
 } // namespace db

@@ -14,6 +14,9 @@ class PostgresEngine : public QtSqlEngine {
 
     void setTimeout(int seconds) override;
     void beginTransaction() override;
+    // A rollback also undoes a wait set inside the transaction: it is set again before the next
+    // statement.
+    void rollbackTransaction() override;
 
   private:
     int m_timeout = -1; // the wait in force on the server, in seconds; -1 before the first

@@ -3,11 +3,14 @@
 #include "Dialect.h"
 #include "Errors.h"
 
+#include <QCoreApplication>
 #include <QDate>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QThread>
 #include <QUuid>
+#include <map>
 #include <utility>
 
 namespace db {
@@ -50,7 +53,57 @@ SqlStore::~SqlStore() {
 QtSqlEngine::QtSqlEngine(SqlStore store, std::unique_ptr<Dialect> dialect)
     : m_store(std::move(store)), m_dialect(std::move(dialect)) {}
 
-QtSqlEngine::~QtSqlEngine() = default;
+QtSqlEngine::~QtSqlEngine() {
+    if (!m_keepFor.isEmpty() && !m_inTransaction && m_store.database().isOpen())
+        idle::keep(m_keepFor, std::move(m_store));
+}
+
+namespace idle {
+
+namespace {
+
+constexpr int KeptPerLogin = 2;
+
+std::multimap<QString, SqlStore>& kept() {
+    // Never destroyed: the connections are closed by clear(), while the drivers are loaded.
+    static auto* stores = [] {
+        qAddPostRoutine(clear);
+        return new std::multimap<QString, SqlStore>;
+    }();
+    return *stores;
+}
+
+bool mainThread() {
+    const QCoreApplication* app = QCoreApplication::instance();
+    return app && app->thread() == QThread::currentThread();
+}
+
+} // namespace
+
+std::optional<SqlStore> take(const QString& key) {
+    if (!mainThread())
+        return std::nullopt;
+    auto& stores = kept();
+    const auto it = stores.find(key);
+    if (it == stores.end())
+        return std::nullopt;
+    SqlStore store = std::move(it->second);
+    stores.erase(it);
+    return store;
+}
+
+void keep(const QString& key, SqlStore store) {
+    if (mainThread() && kept().count(key) < KeptPerLogin)
+        kept().emplace(key, std::move(store));
+}
+
+void clear() {
+    if (QCoreApplication::instance() && !mainThread())
+        return;
+    kept().clear();
+}
+
+} // namespace idle
 
 QString QtSqlEngine::describe(const QSqlError& e) {
     QString text = e.databaseText().trimmed();
@@ -160,16 +213,19 @@ void QtSqlEngine::insert(const QString& table, const FieldValues& values) {
 void QtSqlEngine::beginTransaction() {
     if (!database().transaction())
         throw platform::Error(ErrStatement, describe(database().lastError()));
+    m_inTransaction = true;
 }
 
 void QtSqlEngine::commitTransaction() {
     if (!database().commit())
         throw platform::Error(ErrStatement, describe(database().lastError()));
+    m_inTransaction = false;
 }
 
 void QtSqlEngine::rollbackTransaction() {
     if (!database().rollback())
         throw platform::Error(ErrStatement, describe(database().lastError()));
+    m_inTransaction = false;
 }
 
 QVector<bool> QtSqlEngine::dateColumns(const QString&, int count) {

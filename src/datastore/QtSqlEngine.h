@@ -3,6 +3,7 @@
 #include "Engine.h"
 
 #include <QSqlDatabase>
+#include <optional>
 
 class QSqlError;
 
@@ -22,6 +23,20 @@ class SqlStore {
   private:
     QSqlDatabase m_database;
 };
+
+// Open connections to a server that their engines have let go of, kept for the next engine of
+// the program's main thread that opens the same source with the same login. The screens open
+// a connection for each operation, and a server's login costs many times a statement (and its
+// driver learns each table's columns once per connection). At most two wait per login; the
+// rest close.
+namespace idle {
+// A kept connection for `key`, or none. The caller tests that it still answers.
+std::optional<SqlStore> take(const QString& key);
+// Keeps `store` for `key`, or closes it when two already wait or this is not the main thread.
+void keep(const QString& key, SqlStore store);
+// Closes every kept connection (a database made anew, or the program ending).
+void clear();
+} // namespace idle
 
 // An engine reached through a Qt SQL driver: statements, selects and inserts through the
 // driver, transactions through the driver's own. Dates go to the store as ISO text, the form in
@@ -46,6 +61,10 @@ class QtSqlEngine : public Engine {
     // The engine's own words, without Qt's wrapping.
     static QString describe(const QSqlError& e);
 
+    // When the engine is done, its connection is kept for the next engine of `key` (see idle),
+    // unless a transaction was left open on it.
+    void keepWhenDone(const QString& key) { m_keepFor = key; }
+
   protected:
     QSqlDatabase& database() { return m_store.database(); }
     // Which result columns of `text` hold dates, for `count` columns. Without knowledge of
@@ -55,6 +74,8 @@ class QtSqlEngine : public Engine {
   private:
     SqlStore m_store;
     std::unique_ptr<Dialect> m_dialect;
+    QString m_keepFor;
+    bool m_inTransaction = false;
 };
 
 } // namespace db

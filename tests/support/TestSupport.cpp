@@ -2,6 +2,7 @@
 
 #include "datastore/Dialect.h"
 #include "datastore/OdbcSource.h"
+#include "datastore/QtSqlEngine.h"
 #include "datastore/Schema.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
@@ -107,6 +108,8 @@ void TestEnvironment::createDatabase() {
         serverControl("resume");
         m_serverStopped = false;
     }
+    // Connections kept from the last test know the tables that are about to be made anew.
+    db::idle::clear();
     emptyServerDatabase();
     db::createServerDatabase(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword, user,
                              password);
