@@ -452,6 +452,44 @@ class TestIndexDocument : public QObject {
         QCOMPARE(messages(), QStringList({Saved}));
     }
 
+    // The server stopping while a save waits on its Insert: the save tells it, nothing of it
+    // stays, and once the server is back the same save goes through.
+    void theServerStoppingMidSave() {
+        if (!testsupport::onServer())
+            QSKIP("The server stops; the embedded file has none.");
+        form().Show();
+        fillValid();
+        std::atomic<bool> locked = false;
+        std::thread other([&] {
+            {
+                QSqlDatabase db =
+                    QSqlDatabase::addDatabase(QStringLiteral("QODBC"), QStringLiteral("blocker"));
+                db.setDatabaseName(GenMod::DataSourceName);
+                db.open();
+                QSqlQuery q(db);
+                q.exec("BEGIN");
+                // Reads go on; the save's Insert waits.
+                q.exec("LOCK TABLE \"Vorlane\" IN EXCLUSIVE MODE");
+                locked = true;
+                std::this_thread::sleep_for(std::chrono::milliseconds(500));
+                env->removeDatabase();
+            }
+            QSqlDatabase::removeDatabase(QStringLiteral("blocker"));
+        });
+        while (!locked)
+            std::this_thread::yield();
+        press(2);
+        other.join();
+        const QStringList shown = messages();
+        QCOMPARE(shown.size(), 1);
+        QVERIFY2(shown[0].startsWith(QLatin1String("16:")), qPrintable(shown[0]));
+        env->restoreDatabase();
+        QCOMPARE(env->count("Vorlane"), 0);
+        press(2);
+        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(env->count("Vorlane"), 1);
+    }
+
     // Another seat holding the write lock makes this save wait for it, and then take the key
     // after the other seat's row.
     void twoSeatsNeverShareAKey() {

@@ -126,6 +126,12 @@ void TestEnvironment::removeDatabase() {
     m_serverStopped = true;
 }
 
+void TestEnvironment::restoreDatabase() {
+    if (m_serverStopped)
+        serverControl("resume");
+    m_serverStopped = false;
+}
+
 void TestEnvironment::exec(const QString& sql) const {
     withDb(databasePath(), [&](QSqlDatabase& db) {
         QSqlQuery q(db);

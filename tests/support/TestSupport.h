@@ -23,6 +23,8 @@ class TestEnvironment {
     QString databasePath() const;
     void createDatabase();
     void removeDatabase();
+    // On the server, starts it again after removeDatabase, with what it held.
+    void restoreDatabase();
 
     // Runs statements directly on the data store, for setting up and checking data; on the
     // server they are translated as the program's are.
