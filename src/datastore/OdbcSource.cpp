@@ -32,13 +32,16 @@ QString dbmsName(const QSqlDatabase& store) {
     return QString::fromUtf8(reinterpret_cast<const char*>(name));
 }
 
-// A key of the data source's own entry in odbc.ini; empty when the entry has none.
+} // namespace
+
 QString entryValue(const QString& name, const char* key) {
     char value[512] = {};
     const QByteArray section = name.toLocal8Bit();
     SQLGetPrivateProfileString(section.constData(), key, "", value, sizeof value, "odbc.ini");
     return QString::fromLocal8Bit(value);
 }
+
+namespace {
 
 bool namesUser(const QString& name) {
     for (const char* key : {"Username", "UserName", "UID", "User"})

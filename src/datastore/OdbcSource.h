@@ -7,6 +7,9 @@ namespace db {
 // True when the unixODBC driver manager knows a user or system data source of that name.
 bool odbcKnows(const QString& name);
 
+// A key of the data source's own entry in odbc.ini; empty when the entry has none.
+QString entryValue(const QString& name, const char* key);
+
 // Connects to the data source through ODBC and hands back the engine for the DBMS behind it.
 // The login is the one the data source's entry names, when it names one (its password from the
 // entry or from the server's own password file); otherwise `user` and `password`. A refused login fails with
