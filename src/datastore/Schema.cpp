@@ -329,6 +329,19 @@ void createServerDatabase(const QString& dataSource, const QString& user, const 
         throw platform::Error(
             ErrDataSourceNotFound,
             QStringLiteral("The data source %1 is not on a PostgreSQL server.").arg(dataSource));
+    // Letter case is ignored through the database's character classes: they must know every
+    // alphabet.
+    const Rows locale = engine->select(QStringLiteral("SELECT pg_encoding_to_char(encoding), datctype FROM "
+                                                      "pg_database WHERE datname = current_database()"));
+    const QString encoding = locale.values.value(0).value(0).toString();
+    const QString ctype = locale.values.value(0).value(1).toString();
+    if (encoding != QLatin1String("UTF8") || !(ctype.contains(QLatin1String("UTF-8"), Qt::CaseInsensitive) ||
+                                               ctype.contains(QLatin1String("utf8"), Qt::CaseInsensitive)))
+        throw platform::Error(ErrStatement,
+                              QStringLiteral("The database of %1 has the encoding %2 and the character "
+                                             "classes %3; it needs UTF8 and a UTF-8 locale (for example "
+                                             "C.UTF-8).")
+                                  .arg(dataSource, encoding, ctype));
     QStringList names;
     for (const Table& t : schema())
         names << sql::quoteString(t.name.toLower());

@@ -84,6 +84,12 @@ void ServerTest::setUpCreatesTheTablesOnce() {
              }),
              db::ErrStatement);
     QCOMPARE(column(c, QStringLiteral("Select count(*) from Logins")), QVariantList({qint64(1)}));
+    // A database whose locale knows only ASCII letters would compare "Ä" and "ä" as different.
+    QCOMPARE(errorOf([] {
+                 db::createServerDatabase(QStringLiteral("VorlaneLocaleC"), User, Password,
+                                          QStringLiteral("a"), QStringLiteral("b"));
+             }),
+             db::ErrStatement);
 }
 
 void ServerTest::screensStatementsRunAsOnTheFile() {

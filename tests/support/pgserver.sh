@@ -6,7 +6,8 @@
 #   pgserver.sh pause|resume <state folder>   stops the running server, or starts it again
 # The state folder receives odbcinst.ini and odbc.ini, which describe the data source "Vorlane"
 # on the server (point ODBCSYSINI and ODBCINI at them), and beside it the same database under
-# an entry without a login, one with a wrong password and one of a server that is not there; the superuser's password file pgpass,
+# an entry without a login, one with a wrong password and one of a server that is not there,
+# and a database whose locale knows only ASCII letters (VorlaneLocaleC); the superuser's password file pgpass,
 # and "cluster", the path of the temporary folder.
 set -eu
 
@@ -67,7 +68,8 @@ case "$1" in
     # The seats' own role and database; the tables are made by the set-up tool.
     PGPASSFILE="$state/pgpass" "$bin/psql" -q -X -v ON_ERROR_STOP=1 -h "$dir" -p 5432 -U postgres -d postgres \
       -c "CREATE ROLE vorlane LOGIN PASSWORD '$seatpw'" \
-      -c "CREATE DATABASE vorlane OWNER vorlane"
+      -c "CREATE DATABASE vorlane OWNER vorlane" \
+      -c "CREATE DATABASE vorlane_c OWNER vorlane TEMPLATE template0 ENCODING 'UTF8' LOCALE 'C'"
 
     cat >"$state/odbcinst.ini" <<EOF
 [PostgreSQL Unicode]
@@ -96,6 +98,14 @@ Port = 5432
 Database = vorlane
 Username = vorlane
 Password = not-$seatpw
+
+[VorlaneLocaleC]
+Driver = PostgreSQL Unicode
+Servername = $dir
+Port = 5432
+Database = vorlane_c
+Username = vorlane
+Password = $seatpw
 
 [VorlaneDown]
 Driver = PostgreSQL Unicode
