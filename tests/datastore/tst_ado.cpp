@@ -1,10 +1,10 @@
 #include "datastore/Ado.h"
 #include "datastore/Schema.h"
 #include "platform/TestHooks.h"
+#include "support/TestSupport.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -57,21 +57,21 @@ class AdoTest : public QObject {
     void refusedStatementsAreNotRun();
 
   private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<testsupport::TestEnvironment> m_env;
 };
 
 void AdoTest::init() {
-    m_dir = std::make_unique<QTemporaryDir>();
-    platform::test::setAppPath(m_dir->path());
-    db::createDatabase(db::databaseFile(), kUser, kPassword);
+    m_env = std::make_unique<testsupport::TestEnvironment>(false);
+    m_env->createDatabase(kUser, kPassword);
 }
 
 void AdoTest::cleanup() {
-    platform::test::setAppPath(QString());
-    m_dir.reset();
+    m_env.reset();
 }
 
 void AdoTest::dataSourceResolution() {
+    if (testsupport::onServer())
+        QSKIP("The database file and its data source.");
     const QString file = db::databaseFile();
     const QString kept = file + QStringLiteral(".kept");
     QVERIFY(QFile::rename(file, kept));
@@ -98,7 +98,7 @@ void AdoTest::dataSourceResolution() {
     QCOMPARE(scalar(openStore(), QStringLiteral("Select count(*) from Logins")).toInt(), 1);
 
     // A data source known to the driver manager wins over the file, even when it cannot be reached.
-    const QString ini = QDir(m_dir->path()).filePath(QStringLiteral("odbc.ini"));
+    const QString ini = QDir(m_env->appPath()).filePath(QStringLiteral("odbc.ini"));
     QFile config(ini);
     QVERIFY(config.open(QIODevice::WriteOnly));
     config.write("[Vorlane]\nDriver=/nonexistent/libnodriver.so\nDatabase=/nonexistent.db\n");
@@ -114,6 +114,8 @@ void AdoTest::dataSourceResolution() {
 }
 
 void AdoTest::createDatabaseRefusesToOverwrite() {
+    if (testsupport::onServer())
+        QSKIP("The database file.");
     QVERIFY(errorOf([] {
                 db::createDatabase(db::databaseFile(), QStringLiteral("u"), QStringLiteral("p"));
             }) != 0);
@@ -131,7 +133,7 @@ void AdoTest::createDatabaseRefusesToOverwrite() {
     QCOMPARE(rs.Fields(QStringLiteral("UpdatedBy")).toInt(), 1);
 
     // A new file in a folder that does not exist yet.
-    const QString elsewhere = QDir(m_dir->path()).filePath(QStringLiteral("new/Database/Vorlane.mdb"));
+    const QString elsewhere = QDir(m_env->appPath()).filePath(QStringLiteral("new/Database/Vorlane.mdb"));
     db::createDatabase(elsewhere, QStringLiteral("u"), QStringLiteral("p"));
     QVERIFY(QFile::exists(elsewhere));
 }
@@ -380,7 +382,7 @@ void AdoTest::refusedStatementsAreNotRun() {
     QCOMPARE(
         errorOf([&] { c->Execute(QStringLiteral("Update File set Particulars=John Smith")); }, &description),
         db::ErrStatement);
-    QCOMPARE(description, QStringLiteral("near \"Smith\": syntax error"));
+    QVERIFY2(description.contains(QLatin1String("Smith")), qPrintable(description));
     db::Recordset rs;
     QCOMPARE(errorOf([&] { rs.Open(QStringLiteral("Select * from Vorlane Where  order by I.DocDate"), c); }),
              db::ErrStatement);

@@ -98,8 +98,11 @@ QString TestEnvironment::databasePath() const {
 }
 
 void TestEnvironment::createDatabase() {
-    const QString user = GenMod::ScrambleText(QStringLiteral("admin"));
-    const QString password = GenMod::ScrambleText(QStringLiteral("admin"));
+    createDatabase(GenMod::ScrambleText(QStringLiteral("admin")),
+                   GenMod::ScrambleText(QStringLiteral("admin")));
+}
+
+void TestEnvironment::createDatabase(const QString& user, const QString& password) {
     if (!onServer()) {
         db::createDatabase(databasePath(), user, password);
         return;

@@ -22,6 +22,8 @@ class TestEnvironment {
     QString appPath() const;
     QString databasePath() const;
     void createDatabase();
+    // The same with a first user of that scrambled name and password.
+    void createDatabase(const QString& scrambledUser, const QString& scrambledPassword);
     void removeDatabase();
     // On the server, starts it again after removeDatabase, with what it held.
     void restoreDatabase();
