@@ -47,6 +47,21 @@ template <class F> auto withDb(const QString& path, F f) {
     return result;
 }
 
+// Runs statements as they stand, in the engine's own words.
+void execAsWritten(const QStringList& statements) {
+    withDb(db::databaseFile(), [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        for (const QString& sql : statements)
+            if (!q.exec(sql))
+                qFatal("test statement failed: %s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return 0;
+    });
+}
+
+QString literal(QString text) {
+    return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
+}
+
 // The server's database without any table (its public schema made anew).
 void emptyServerDatabase() {
     withDb(QString(), [](QSqlDatabase& db) {
@@ -145,6 +160,38 @@ int TestEnvironment::count(const QString& table) const {
     return scalar(QStringLiteral("select count(*) from \"%1\"").arg(table)).toInt();
 }
 
+void TestEnvironment::refuse(const QString& statement, const QString& table, const QString& message,
+                             const QString& column, const QString& value) const {
+    const QString trigger = db::Dialect::quotedName(QStringLiteral("refuse_") + table);
+    QString when;
+    if (!column.isEmpty())
+        when = QStringLiteral("%1.%2 = %3")
+                   .arg(statement.compare(QLatin1String("delete"), Qt::CaseInsensitive) == 0
+                            ? QStringLiteral("OLD")
+                            : QStringLiteral("NEW"),
+                        db::Dialect::quotedName(column), literal(value));
+    const QString head = QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3")
+                             .arg(trigger, statement.toUpper(), db::Dialect::quotedName(table));
+    if (!onServer()) {
+        execAsWritten({head + (when.isEmpty() ? QString() : QStringLiteral(" WHEN ") + when) +
+                       QStringLiteral(" BEGIN SELECT RAISE(ABORT, %1); END").arg(literal(message))});
+        return;
+    }
+    execAsWritten({QStringLiteral("CREATE OR REPLACE FUNCTION refuse_statement() RETURNS trigger LANGUAGE "
+                                  "plpgsql AS $$BEGIN RAISE EXCEPTION '%', TG_ARGV[0]; END$$"),
+                   head + QStringLiteral(" FOR EACH ROW") +
+                       (when.isEmpty() ? QString() : QStringLiteral(" WHEN (%1)").arg(when)) +
+                       QStringLiteral(" EXECUTE FUNCTION refuse_statement(%1)").arg(literal(message))});
+}
+
+void TestEnvironment::allow(const QString& table) const {
+    const QString trigger = db::Dialect::quotedName(QStringLiteral("refuse_") + table);
+    execAsWritten(
+        {onServer()
+             ? QStringLiteral("DROP TRIGGER IF EXISTS %1 ON %2").arg(trigger, db::Dialect::quotedName(table))
+             : QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(trigger)});
+}
+
 void setSession(qint16 userID, const QString& rights) {
     Session::CurrentUserID = userID;
     Session::UserRights = rights;
@@ -155,6 +202,11 @@ QStringList messages() {
     for (const auto& m : platform::test::takeMessages())
         out << QString::number(m.style) + QLatin1Char(':') + m.text;
     return out;
+}
+
+QString refusal(const QString& message) {
+    return onServer() ? QStringLiteral("16:ERROR: %1;\nError while executing the query").arg(message)
+                      : QStringLiteral("16:") + message;
 }
 
 } // namespace testsupport

@@ -30,6 +30,13 @@ class TestEnvironment {
     QVariant scalar(const QString& sql) const;
     int count(const QString& table) const;
 
+    // Makes each `statement` ("insert", "update" or "delete") on `table` fail with `message`, as
+    // a store that refuses to write does; with `column`, only for the rows whose value there is
+    // `value`. allow() takes the refusal off `table` again.
+    void refuse(const QString& statement, const QString& table, const QString& message,
+                const QString& column = QString(), const QString& value = QString()) const;
+    void allow(const QString& table) const;
+
   private:
     QTemporaryDir m_dir;
     bool m_serverStopped = false; // removeDatabase stopped the server
@@ -44,5 +51,9 @@ void setSession(qint16 userID, const QString& rights);
 
 // The message boxes shown since the last call, as "style:text" lines.
 QStringList messages();
+
+// The critical message box of a statement refused with `message` (TestEnvironment::refuse): the
+// store's own words, which the server's ODBC driver passes on wrapped in its own.
+QString refusal(const QString& message);
 
 } // namespace testsupport
