@@ -13,8 +13,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QtTest>
-#include <atomic>
-#include <thread>
 
 using namespace testsupport;
 
@@ -487,39 +485,20 @@ class TestClassification : public QObject {
     }
 
     void twoSeatsNeverShareAKey() {
-        if (testsupport::onServer())
-            QSKIP("The other seat writes the embedded file.");
         frmDocType& f = frmDocType::instance();
         f.Show();
         // The other seat holds its transaction open while this one saves: this save waits for
         // the lock and then reads the other's key as the highest.
-        std::atomic<bool> holding = false;
-        std::atomic<bool> failed = false;
-        std::thread other([&] {
-            try {
-                auto conn = std::make_shared<db::Connection>();
-                conn->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
-                conn->BeginTrans();
-                db::Recordset rs;
-                rs.Open("Select Max(TypeID) from DocumentType", conn);
-                const int next = rs.Fields(0).toInt() + 1;
-                rs.Close();
-                holding = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(400));
-                conn->Execute(QStringLiteral("Insert into DocumentType values(%1,'Other seat',2)").arg(next));
-                conn->CommitTrans();
-            } catch (const platform::Error& e) {
-                qWarning("other seat: %s", e.what());
-                failed = true;
-                holding = true;
-            }
+        OtherSeat other([](const std::shared_ptr<db::Connection>& seat) {
+            db::Recordset rs;
+            rs.Open("Select Max(TypeID) from DocumentType", seat);
+            const int next = rs.Fields(0).toInt() + 1;
+            rs.Close();
+            seat->Execute(QStringLiteral("Insert into DocumentType values(%1,'Other seat',2)").arg(next));
         });
-        while (!holding)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         type(f, "txtDocType", "This seat");
         press(f, 2);
-        other.join();
-        QVERIFY(!failed);
+        QVERIFY(other.finish());
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(env->scalar("select count(distinct TypeID) from DocumentType").toInt(), 2);
         QCOMPARE(env->scalar("select TypeID from DocumentType where DocType='This seat'").toInt(), 2);

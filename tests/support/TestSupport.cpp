@@ -1,8 +1,10 @@
 #include "TestSupport.h"
 
+#include "datastore/Ado.h"
 #include "datastore/Dialect.h"
 #include "datastore/OdbcSource.h"
 #include "datastore/Schema.h"
+#include "platform/Error.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
 
@@ -190,6 +192,37 @@ void TestEnvironment::allow(const QString& table) const {
         {onServer()
              ? QStringLiteral("DROP TRIGGER IF EXISTS %1 ON %2").arg(trigger, db::Dialect::quotedName(table))
              : QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(trigger)});
+}
+
+OtherSeat::OtherSeat(Write write, std::chrono::milliseconds holdFor) {
+    m_thread = std::thread([this, write = std::move(write), holdFor] {
+        try {
+            auto seat = std::make_shared<db::Connection>();
+            seat->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+            seat->BeginTrans();
+            write(seat);
+            m_holding = true;
+            std::this_thread::sleep_for(holdFor);
+            seat->CommitTrans();
+        } catch (const platform::Error& e) {
+            qWarning("other seat: %s", qPrintable(e.description()));
+            m_failed = true;
+            m_holding = true;
+        }
+    });
+    while (!m_holding)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+OtherSeat::~OtherSeat() {
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+bool OtherSeat::finish() {
+    if (m_thread.joinable())
+        m_thread.join();
+    return !m_failed;
 }
 
 void setSession(qint16 userID, const QString& rights) {

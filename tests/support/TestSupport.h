@@ -5,6 +5,15 @@
 #include <QString>
 #include <QTemporaryDir>
 #include <QVariant>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace db {
+class Connection;
+}
 
 namespace testsupport {
 
@@ -40,6 +49,23 @@ class TestEnvironment {
   private:
     QTemporaryDir m_dir;
     bool m_serverStopped = false; // removeDatabase stopped the server
+};
+
+// Another workstation on the same data store: in a thread of its own, on a connection of its own
+// through the data layer, it begins a transaction (which takes the writers' lock), runs `write`,
+// keeps the lock for `holdFor` and commits. The constructor returns once `write` has run, with
+// the lock still held; finish() waits for the commit and is false when the other seat failed.
+class OtherSeat {
+  public:
+    using Write = std::function<void(const std::shared_ptr<db::Connection>&)>;
+    explicit OtherSeat(Write write, std::chrono::milliseconds holdFor = std::chrono::milliseconds(400));
+    ~OtherSeat();
+    bool finish();
+
+  private:
+    std::thread m_thread;
+    std::atomic<bool> m_holding = false;
+    std::atomic<bool> m_failed = false;
 };
 
 // True when the tests run against the server (the data source "Vorlane" is known), not the
