@@ -140,6 +140,28 @@ void TestEnvironment::removeDatabase() {
     m_serverStopped = true;
 }
 
+void TestEnvironment::takeDatabaseAway() {
+    if (!onServer()) {
+        if (!QFile::rename(databasePath(), databasePath() + QStringLiteral(".away")))
+            qFatal("cannot move the database file away");
+        return;
+    }
+    if (!m_serverStopped)
+        serverControl("pause");
+    m_serverStopped = true;
+}
+
+void TestEnvironment::bringDatabaseBack() {
+    if (!onServer()) {
+        if (!QFile::rename(databasePath() + QStringLiteral(".away"), databasePath()))
+            qFatal("cannot move the database file back");
+        return;
+    }
+    if (m_serverStopped)
+        serverControl("resume");
+    m_serverStopped = false;
+}
+
 void TestEnvironment::exec(const QString& sql) const {
     withDb(databasePath(), [&](QSqlDatabase& db) {
         QSqlQuery q(db);

@@ -32,6 +32,10 @@ class TestEnvironment {
     QString databasePath() const;
     void createDatabase();
     void removeDatabase();
+    // The database out of reach and back again as it was: the file moved aside, or the server
+    // stopped and started again.
+    void takeDatabaseAway();
+    void bringDatabaseBack();
 
     // Runs statements directly on the data store, for setting up and checking data; on the
     // server they are translated as the program's are.
@@ -48,7 +52,7 @@ class TestEnvironment {
 
   private:
     QTemporaryDir m_dir;
-    bool m_serverStopped = false; // removeDatabase stopped the server
+    bool m_serverStopped = false; // removeDatabase or takeDatabaseAway stopped the server
 };
 
 // Another workstation on the same data store: in a thread of its own, on a connection of its own
