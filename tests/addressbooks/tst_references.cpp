@@ -4,6 +4,7 @@
 #include "addressbooks/frmReferences.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
+#include "datastore/Ado.h"
 #include "reports/Reports.h"
 #include "session/GenMod.h"
 #include "support/ScreenDriver.h"
@@ -14,11 +15,7 @@
 #include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
-#include <atomic>
-#include <thread>
 
 using testsupport::messages;
 
@@ -382,30 +379,13 @@ class TestReferences : public QObject {
 
     // Another seat holding the write lock makes this save wait, then take the next key.
     void twoSeatsNeverShareAKey() {
-        if (testsupport::onServer())
-            QSKIP("The other seat writes the embedded file.");
         form().Show();
         enter("Mine", "", "https://mine.example");
-        std::atomic<bool> locked = false;
-        std::thread other([&] {
-            {
-                QSqlDatabase db =
-                    QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other-seat"));
-                db.setDatabaseName(env->databasePath());
-                db.open();
-                QSqlQuery q(db);
-                q.exec("BEGIN IMMEDIATE");
-                q.exec("insert into \"References\" values(1,'Theirs','','https://theirs.example',2)");
-                locked = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(400));
-                q.exec("COMMIT");
-            }
-            QSqlDatabase::removeDatabase(QStringLiteral("other-seat"));
+        testsupport::OtherSeat other([](const auto& seat) {
+            seat->Execute("insert into \"References\" values(1,'Theirs','','https://theirs.example',2)");
         });
-        while (!locked)
-            std::this_thread::yield();
         press(2);
-        other.join();
+        QVERIFY(other.finish());
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(stored("RefName", 2), QStringLiteral("Mine"));
     }

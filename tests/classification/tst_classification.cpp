@@ -13,8 +13,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QtTest>
-#include <atomic>
-#include <thread>
 
 using namespace testsupport;
 
@@ -441,14 +439,11 @@ class TestClassification : public QObject {
     }
 
     void theDataStoreGoingAway() {
-        if (testsupport::onServer())
-            QSKIP("Moves the database file away and back.");
         frmDocType& f = frmDocType::instance();
         env->exec("insert into DocumentType values(1,'Letters',1)");
         f.Show();
         press(f, 1);
-        const QString moved = env->databasePath() + ".away";
-        QVERIFY(QFile::rename(env->databasePath(), moved));
+        env->takeDatabaseAway();
 
         press(f, 1);
         QCOMPARE(messages(), QStringList({NotFound}));
@@ -460,7 +455,7 @@ class TestClassification : public QObject {
         QCOMPARE(messages(), QStringList({NotFound}));
         QCOMPARE(text(f, "txtDocType"), QStringLiteral("Notes"));
 
-        QVERIFY(QFile::rename(moved, env->databasePath()));
+        env->bringDatabaseBack();
         QCOMPARE(env->count("DocumentType"), 1);
         press(f, 2);
         QCOMPARE(messages(), QStringList({Saved}));
@@ -487,39 +482,20 @@ class TestClassification : public QObject {
     }
 
     void twoSeatsNeverShareAKey() {
-        if (testsupport::onServer())
-            QSKIP("The other seat writes the embedded file.");
         frmDocType& f = frmDocType::instance();
         f.Show();
         // The other seat holds its transaction open while this one saves: this save waits for
         // the lock and then reads the other's key as the highest.
-        std::atomic<bool> holding = false;
-        std::atomic<bool> failed = false;
-        std::thread other([&] {
-            try {
-                auto conn = std::make_shared<db::Connection>();
-                conn->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
-                conn->BeginTrans();
-                db::Recordset rs;
-                rs.Open("Select Max(TypeID) from DocumentType", conn);
-                const int next = rs.Fields(0).toInt() + 1;
-                rs.Close();
-                holding = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(400));
-                conn->Execute(QStringLiteral("Insert into DocumentType values(%1,'Other seat',2)").arg(next));
-                conn->CommitTrans();
-            } catch (const platform::Error& e) {
-                qWarning("other seat: %s", e.what());
-                failed = true;
-                holding = true;
-            }
+        OtherSeat other([](const std::shared_ptr<db::Connection>& seat) {
+            db::Recordset rs;
+            rs.Open("Select Max(TypeID) from DocumentType", seat);
+            const int next = rs.Fields(0).toInt() + 1;
+            rs.Close();
+            seat->Execute(QStringLiteral("Insert into DocumentType values(%1,'Other seat',2)").arg(next));
         });
-        while (!holding)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         type(f, "txtDocType", "This seat");
         press(f, 2);
-        other.join();
-        QVERIFY(!failed);
+        QVERIFY(other.finish());
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(env->scalar("select count(distinct TypeID) from DocumentType").toInt(), 2);
         QCOMPARE(env->scalar("select TypeID from DocumentType where DocType='This seat'").toInt(), 2);

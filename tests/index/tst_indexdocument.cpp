@@ -1,6 +1,7 @@
 // The document entry screen driven by its controls: the order of Save's tests with rights,
 // messages and focus; the statements' values with their quirks; the cascading pick lists; the
 // list of all documents and the load of a row back into the fields; the data store failing.
+#include "datastore/Ado.h"
 #include "index/frmIndexDocument.h"
 #include "platform/Controls.h"
 #include "platform/Settings.h"
@@ -472,7 +473,7 @@ class TestIndexDocument : public QObject {
                 q.exec("LOCK TABLE \"Vorlane\" IN EXCLUSIVE MODE");
                 locked = true;
                 std::this_thread::sleep_for(std::chrono::milliseconds(500));
-                env->removeDatabase();
+                env->takeDatabaseAway();
             }
             QSqlDatabase::removeDatabase(QStringLiteral("blocker"));
         });
@@ -483,7 +484,7 @@ class TestIndexDocument : public QObject {
         const QStringList shown = messages();
         QCOMPARE(shown.size(), 1);
         QVERIFY2(shown[0].startsWith(QLatin1String("16:")), qPrintable(shown[0]));
-        env->restoreDatabase();
+        env->bringDatabaseBack();
         QCOMPARE(env->count("Vorlane"), 0);
         press(2);
         QCOMPARE(messages(), QStringList({Saved}));
@@ -493,32 +494,14 @@ class TestIndexDocument : public QObject {
     // Another seat holding the write lock makes this save wait for it, and then take the key
     // after the other seat's row.
     void twoSeatsNeverShareAKey() {
-        if (testsupport::onServer())
-            QSKIP("The other seat writes the embedded file.");
         form().Show();
         fillValid();
-        std::atomic<bool> locked = false;
-        std::thread other([&] {
-            {
-                QSqlDatabase db =
-                    QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other-seat"));
-                db.setDatabaseName(env->databasePath());
-                db.open();
-                QSqlQuery q(db);
-                q.exec("BEGIN IMMEDIATE");
-                q.exec(
-                    "insert into Vorlane values(1,'2026-01-01','2026-01-01',1,1,1,1,'other','','/o.pdf',1,'',"
-                    "'',2)");
-                locked = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(400));
-                q.exec("COMMIT");
-            }
-            QSqlDatabase::removeDatabase(QStringLiteral("other-seat"));
+        testsupport::OtherSeat other([](const auto& seat) {
+            seat->Execute("insert into Vorlane "
+                          "values(1,'2026-01-01','2026-01-01',1,1,1,1,'other','','/o.pdf',1,'','',2)");
         });
-        while (!locked)
-            std::this_thread::yield();
         press(2);
-        other.join();
+        QVERIFY(other.finish());
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(env->count("Vorlane"), 2);
         QCOMPARE(stored("Title1", 2), QStringLiteral("Lease agreement"));

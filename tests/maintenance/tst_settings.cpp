@@ -17,6 +17,7 @@
 #include <QtTest>
 
 using testsupport::messages;
+using testsupport::refusal;
 
 namespace {
 
@@ -220,12 +221,11 @@ class TestSettings : public QObject {
     // data store that cannot be reached still saves the paths and says so.
     void failedSaves() {
         env->exec("insert into FieldCaptions values('Old','b','c','d','e','f')");
-        env->exec("create trigger refuse before insert on FieldCaptions begin select raise(abort, 'disk "
-                  "full'); end");
+        env->refuse("insert", "FieldCaptions", "disk full");
         type("txtImagePath", QStringLiteral("/usr/bin/eog"));
         type("txtDocType", QStringLiteral("New"));
         testsupport::press(form(), 0);
-        QCOMPARE(messages(), QStringList({"16:disk full"}));
+        QCOMPARE(messages(), QStringList({refusal("disk full")}));
         QVERIFY(form().isLoaded());
         QCOMPARE(env->scalar("select DocType from FieldCaptions").toString(), QStringLiteral("Old"));
         QCOMPARE(setting("Image"), QStringLiteral("/usr/bin/eog"));
@@ -325,12 +325,11 @@ class TestSettings : public QObject {
     // A data store that fails during the purge: the message, and the records stay.
     void purgeWithAFailingStore() {
         document(1, "2020-01-01", QString());
-        env->exec("create trigger refuse before delete on Vorlane begin select raise(abort, 'disk I/O "
-                  "error'); end");
-        QCOMPARE(purge(false), QStringList({Confirm, "16:disk I/O error"}));
+        env->refuse("delete", "Vorlane", "disk I/O error");
+        QCOMPARE(purge(false), QStringList({Confirm, refusal("disk I/O error")}));
         QCOMPARE(env->count("Vorlane"), 1);
         QCOMPARE(progress(), QStringLiteral("Please wait. Processing 1 records...."));
-        env->exec("drop trigger refuse");
+        env->allow("Vorlane");
         QCOMPARE(purge(false), QStringList({Confirm}));
         QCOMPARE(env->count("Vorlane"), 0);
     }

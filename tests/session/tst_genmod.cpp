@@ -194,16 +194,13 @@ class TestGenMod : public QObject {
     }
 
     void openConnectionReportsAMissingDatabaseUntilItComesBack() {
-        if (testsupport::onServer())
-            QSKIP("The database is a file only on the embedded store.");
         CloseConnection();
-        const QString path = m_env->databasePath();
-        QVERIFY(QFile::rename(path, path + ".away"));
+        m_env->takeDatabaseAway();
         QVERIFY(!OpenConnection());
         QCOMPARE(messages(),
                  QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
-        QVERIFY(!QFile::exists(path)); // never created by the program
-        QVERIFY(QFile::rename(path + ".away", path));
+        QVERIFY(!QFile::exists(m_env->databasePath())); // never created by the program
+        m_env->bringDatabaseBack();
         QVERIFY(OpenConnection());
         QVERIFY(messages().isEmpty());
     }

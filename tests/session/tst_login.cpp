@@ -88,15 +88,12 @@ class TestLogin : public QObject {
     }
 
     void missingDatabaseKeepsTheScreenUntilItComesBack() {
-        if (testsupport::onServer())
-            QSKIP("The database is a file only on the embedded store.");
-        const QString path = m_env->databasePath();
-        QVERIFY(QFile::rename(path, path + ".away"));
+        m_env->takeDatabaseAway();
         login("admin", "admin");
         QCOMPARE(messages(),
                  QStringList{"48:Database not found !\nPlease check your ODBC Datasource Configuration."});
         QVERIFY(frmLogin::instance().isLoaded());
-        QVERIFY(QFile::rename(path + ".away", path));
+        m_env->bringDatabaseBack();
         QTest::mouseClick(button("cmdLogin"), Qt::LeftButton);
         QCOMPARE(m_loggedIn, 1);
     }

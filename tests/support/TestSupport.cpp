@@ -1,9 +1,11 @@
 #include "TestSupport.h"
 
+#include "datastore/Ado.h"
 #include "datastore/Dialect.h"
 #include "datastore/OdbcSource.h"
 #include "datastore/QtSqlEngine.h"
 #include "datastore/Schema.h"
+#include "platform/Error.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
 
@@ -46,6 +48,21 @@ template <class F> auto withDb(const QString& path, F f) {
     }
     QSqlDatabase::removeDatabase(name);
     return result;
+}
+
+// Runs statements as they stand, in the engine's own words.
+void execAsWritten(const QStringList& statements) {
+    withDb(db::databaseFile(), [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        for (const QString& sql : statements)
+            if (!q.exec(sql))
+                qFatal("test statement failed: %s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return 0;
+    });
+}
+
+QString literal(QString text) {
+    return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
 }
 
 // The server's database without any table (its public schema made anew).
@@ -129,7 +146,23 @@ void TestEnvironment::removeDatabase() {
     m_serverStopped = true;
 }
 
-void TestEnvironment::restoreDatabase() {
+void TestEnvironment::takeDatabaseAway() {
+    if (!onServer()) {
+        if (!QFile::rename(databasePath(), databasePath() + QStringLiteral(".away")))
+            qFatal("cannot move the database file away");
+        return;
+    }
+    if (!m_serverStopped)
+        serverControl("pause");
+    m_serverStopped = true;
+}
+
+void TestEnvironment::bringDatabaseBack() {
+    if (!onServer()) {
+        if (!QFile::rename(databasePath() + QStringLiteral(".away"), databasePath()))
+            qFatal("cannot move the database file back");
+        return;
+    }
     if (m_serverStopped)
         serverControl("resume");
     m_serverStopped = false;
@@ -157,6 +190,69 @@ int TestEnvironment::count(const QString& table) const {
     return scalar(QStringLiteral("select count(*) from \"%1\"").arg(table)).toInt();
 }
 
+void TestEnvironment::refuse(const QString& statement, const QString& table, const QString& message,
+                             const QString& column, const QString& value) const {
+    const QString trigger = db::Dialect::quotedName(QStringLiteral("refuse_") + table);
+    QString when;
+    if (!column.isEmpty())
+        when = QStringLiteral("%1.%2 = %3")
+                   .arg(statement.compare(QLatin1String("delete"), Qt::CaseInsensitive) == 0
+                            ? QStringLiteral("OLD")
+                            : QStringLiteral("NEW"),
+                        db::Dialect::quotedName(column), literal(value));
+    const QString head = QStringLiteral("CREATE TRIGGER %1 BEFORE %2 ON %3")
+                             .arg(trigger, statement.toUpper(), db::Dialect::quotedName(table));
+    if (!onServer()) {
+        execAsWritten({head + (when.isEmpty() ? QString() : QStringLiteral(" WHEN ") + when) +
+                       QStringLiteral(" BEGIN SELECT RAISE(ABORT, %1); END").arg(literal(message))});
+        return;
+    }
+    execAsWritten({QStringLiteral("CREATE OR REPLACE FUNCTION refuse_statement() RETURNS trigger LANGUAGE "
+                                  "plpgsql AS $$BEGIN RAISE EXCEPTION '%', TG_ARGV[0]; END$$"),
+                   head + QStringLiteral(" FOR EACH ROW") +
+                       (when.isEmpty() ? QString() : QStringLiteral(" WHEN (%1)").arg(when)) +
+                       QStringLiteral(" EXECUTE FUNCTION refuse_statement(%1)").arg(literal(message))});
+}
+
+void TestEnvironment::allow(const QString& table) const {
+    const QString trigger = db::Dialect::quotedName(QStringLiteral("refuse_") + table);
+    execAsWritten(
+        {onServer()
+             ? QStringLiteral("DROP TRIGGER IF EXISTS %1 ON %2").arg(trigger, db::Dialect::quotedName(table))
+             : QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(trigger)});
+}
+
+OtherSeat::OtherSeat(Write write, std::chrono::milliseconds holdFor) {
+    m_thread = std::thread([this, write = std::move(write), holdFor] {
+        try {
+            auto seat = std::make_shared<db::Connection>();
+            seat->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+            seat->BeginTrans();
+            write(seat);
+            m_holding = true;
+            std::this_thread::sleep_for(holdFor);
+            seat->CommitTrans();
+        } catch (const platform::Error& e) {
+            qWarning("other seat: %s", qPrintable(e.description()));
+            m_failed = true;
+            m_holding = true;
+        }
+    });
+    while (!m_holding)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+OtherSeat::~OtherSeat() {
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+bool OtherSeat::finish() {
+    if (m_thread.joinable())
+        m_thread.join();
+    return !m_failed;
+}
+
 void setSession(qint16 userID, const QString& rights) {
     Session::CurrentUserID = userID;
     Session::UserRights = rights;
@@ -167,6 +263,11 @@ QStringList messages() {
     for (const auto& m : platform::test::takeMessages())
         out << QString::number(m.style) + QLatin1Char(':') + m.text;
     return out;
+}
+
+QString refusal(const QString& message) {
+    return onServer() ? QStringLiteral("16:ERROR: %1;\nError while executing the query").arg(message)
+                      : QStringLiteral("16:") + message;
 }
 
 } // namespace testsupport

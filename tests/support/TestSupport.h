@@ -5,6 +5,15 @@
 #include <QString>
 #include <QTemporaryDir>
 #include <QVariant>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace db {
+class Connection;
+}
 
 namespace testsupport {
 
@@ -25,8 +34,10 @@ class TestEnvironment {
     // The same with a first user of that scrambled name and password.
     void createDatabase(const QString& scrambledUser, const QString& scrambledPassword);
     void removeDatabase();
-    // On the server, starts it again after removeDatabase, with what it held.
-    void restoreDatabase();
+    // The database out of reach and back again as it was: the file moved aside, or the server
+    // stopped and started again.
+    void takeDatabaseAway();
+    void bringDatabaseBack();
 
     // Runs statements directly on the data store, for setting up and checking data; on the
     // server they are translated as the program's are.
@@ -34,9 +45,33 @@ class TestEnvironment {
     QVariant scalar(const QString& sql) const;
     int count(const QString& table) const;
 
+    // Makes each `statement` ("insert", "update" or "delete") on `table` fail with `message`, as
+    // a store that refuses to write does; with `column`, only for the rows whose value there is
+    // `value`. allow() takes the refusal off `table` again.
+    void refuse(const QString& statement, const QString& table, const QString& message,
+                const QString& column = QString(), const QString& value = QString()) const;
+    void allow(const QString& table) const;
+
   private:
     QTemporaryDir m_dir;
-    bool m_serverStopped = false; // removeDatabase stopped the server
+    bool m_serverStopped = false; // removeDatabase or takeDatabaseAway stopped the server
+};
+
+// Another workstation on the same data store: in a thread of its own, on a connection of its own
+// through the data layer, it begins a transaction (which takes the writers' lock), runs `write`,
+// keeps the lock for `holdFor` and commits. The constructor returns once `write` has run, with
+// the lock still held; finish() waits for the commit and is false when the other seat failed.
+class OtherSeat {
+  public:
+    using Write = std::function<void(const std::shared_ptr<db::Connection>&)>;
+    explicit OtherSeat(Write write, std::chrono::milliseconds holdFor = std::chrono::milliseconds(400));
+    ~OtherSeat();
+    bool finish();
+
+  private:
+    std::thread m_thread;
+    std::atomic<bool> m_holding = false;
+    std::atomic<bool> m_failed = false;
 };
 
 // True when the tests run against the server (the data source "Vorlane" is known), not the
@@ -48,5 +83,9 @@ void setSession(qint16 userID, const QString& rights);
 
 // The message boxes shown since the last call, as "style:text" lines.
 QStringList messages();
+
+// The critical message box of a statement refused with `message` (TestEnvironment::refuse): the
+// store's own words, which the server's ODBC driver passes on wrapped in its own.
+QString refusal(const QString& message);
 
 } // namespace testsupport
