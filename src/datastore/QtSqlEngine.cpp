@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDate>
+#include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -107,6 +108,12 @@ void clear() {
 
 QString QtSqlEngine::describe(const QSqlError& e) {
     QString text = e.databaseText().trimmed();
+    // The PostgreSQL driver wraps the server's words: "ERROR:  <words>;\n<what the driver was
+    // doing>". The words alone reach the user, as the embedded file's do.
+    static const QRegularExpression wrapped(QStringLiteral("^(?:ERROR|FATAL|PANIC):\\s+(.*?);\\n[^\\n]*$"),
+                                            QRegularExpression::DotMatchesEverythingOption);
+    if (const auto m = wrapped.match(text); m.hasMatch())
+        text = m.captured(1).trimmed();
     if (text.isEmpty())
         text = e.driverText().trimmed();
     if (text.isEmpty())

@@ -17,7 +17,6 @@
 #include <QtTest>
 
 using testsupport::messages;
-using testsupport::refusal;
 
 namespace {
 
@@ -225,7 +224,7 @@ class TestSettings : public QObject {
         type("txtImagePath", QStringLiteral("/usr/bin/eog"));
         type("txtDocType", QStringLiteral("New"));
         testsupport::press(form(), 0);
-        QCOMPARE(messages(), QStringList({refusal("disk full")}));
+        QCOMPARE(messages(), QStringList({"16:disk full"}));
         QVERIFY(form().isLoaded());
         QCOMPARE(env->scalar("select DocType from FieldCaptions").toString(), QStringLiteral("Old"));
         QCOMPARE(setting("Image"), QStringLiteral("/usr/bin/eog"));
@@ -326,7 +325,7 @@ class TestSettings : public QObject {
     void purgeWithAFailingStore() {
         document(1, "2020-01-01", QString());
         env->refuse("delete", "Vorlane", "disk I/O error");
-        QCOMPARE(purge(false), QStringList({Confirm, refusal("disk I/O error")}));
+        QCOMPARE(purge(false), QStringList({Confirm, "16:disk I/O error"}));
         QCOMPARE(env->count("Vorlane"), 1);
         QCOMPARE(progress(), QStringLiteral("Please wait. Processing 1 records...."));
         env->allow("Vorlane");

@@ -265,9 +265,4 @@ QStringList messages() {
     return out;
 }
 
-QString refusal(const QString& message) {
-    return onServer() ? QStringLiteral("16:ERROR: %1;\nError while executing the query").arg(message)
-                      : QStringLiteral("16:") + message;
-}
-
 } // namespace testsupport

@@ -84,8 +84,4 @@ void setSession(qint16 userID, const QString& rights);
 // The message boxes shown since the last call, as "style:text" lines.
 QStringList messages();
 
-// The critical message box of a statement refused with `message` (TestEnvironment::refuse): the
-// store's own words, which the server's ODBC driver passes on wrapped in its own.
-QString refusal(const QString& message);
-
 } // namespace testsupport
