@@ -13,9 +13,10 @@ packages=(
   libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev
   qt6-qpa-plugins fonts-dejavu-core fonts-liberation2
 )
-# The package test builds the Debian package and checks it with lintian, the desktop entry's
-# and AppStream's validators.
-test_packages=(poppler-utils xvfb xauth clang-format sqlite3 dpkg-dev lintian desktop-file-utils appstream)
+# The package test builds the Debian package, checks it with lintian and the validators of
+# desktop entries and AppStream metadata, and installs it for a throwaway user.
+test_packages=(poppler-utils xvfb xauth clang-format sqlite3
+  dpkg-dev lintian desktop-file-utils appstream adduser passwd)
 # The benchmark compares the program with the sqlite3 shell on the same file.
 bench_packages=(sqlite3)
 
