@@ -14,9 +14,13 @@ packages=(
   qt6-qpa-plugins fonts-dejavu-core fonts-liberation2
 )
 # The tests also run against a PostgreSQL 15 server of their own (tests/support/pgserver.sh).
-test_packages=(poppler-utils xvfb xauth clang-format sqlite3 postgresql)
-# The benchmark compares the program with the sqlite3 shell on the same file.
-bench_packages=(sqlite3)
+# The package test builds the Debian package, checks it with lintian and the validators of
+# desktop entries and AppStream metadata, and installs it for a throwaway user.
+test_packages=(poppler-utils xvfb xauth clang-format sqlite3 postgresql
+  dpkg-dev lintian desktop-file-utils appstream adduser passwd)
+# The benchmark compares the program with the sqlite3 shell on the same file (and, with
+# --server, with psql).
+bench_packages=(sqlite3 postgresql-client)
 
 install_packages() {
   local missing=()

@@ -52,6 +52,8 @@ int runVorlane(QApplication& app) {
     MDI::instance(); // makes the pictures available to every screen
     app.setApplicationName(QStringLiteral("Vorlane"));
     app.setWindowIcon(QIcon(QStringLiteral(":/images/AppIcon")));
+    // Ties the windows to the installed desktop entry, for the desktop's icon and name.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.vorlane.Vorlane"));
     wireScreens();
     frmLogin::setOnLoggedIn([] { MDI::instance().Show(); });
     if (!Startup())
