@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QtTest>
 
+using testsupport::errorOf;
+
 namespace {
 
 // A scrambled user name as the login stores it: quotes, control characters, C1 characters.
@@ -18,17 +20,6 @@ db::ConnectionPtr openStore(int timeout = 30) {
     c->CommandTimeout = timeout;
     c->Open(QStringLiteral("Vorlane"), QStringLiteral("Admin"), QStringLiteral("secret"), -1);
     return c;
-}
-
-int errorOf(const std::function<void()>& f, QString* description = nullptr) {
-    try {
-        f();
-    } catch (const platform::Error& e) {
-        if (description)
-            *description = e.description();
-        return e.number();
-    }
-    return 0;
 }
 
 QVariant scalar(const db::ConnectionPtr& c, const QString& sql) {

@@ -1,9 +1,12 @@
 #include "datastore/Ado.h"
 #include "datastore/Dialect.h"
 #include "datastore/Engine.h"
+#include "support/TestSupport.h"
 
 #include <QDate>
 #include <QtTest>
+
+using testsupport::errorOf;
 
 namespace {
 
@@ -51,15 +54,6 @@ class FakeEngine : public db::Engine {
     db::SqliteDialect m_dialect;
     int m_timeout = -1;
 };
-
-int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const platform::Error& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 } // namespace
 

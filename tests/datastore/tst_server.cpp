@@ -1,6 +1,7 @@
 #include "datastore/Ado.h"
 #include "datastore/OdbcSource.h"
 #include "datastore/Schema.h"
+#include "support/TestSupport.h"
 
 #include <QDate>
 #include <QElapsedTimer>
@@ -9,19 +10,12 @@
 #include <QSqlQuery>
 #include <QtTest>
 
+using testsupport::errorOf;
+
 namespace {
 
 const QString User = QStringLiteral("Admin");
 const QString Password = QStringLiteral("tarvo@48213");
-
-int errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const platform::Error& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 // Empties the database of the data source "Vorlane": no table, no extension.
 void emptyServerDatabase() {

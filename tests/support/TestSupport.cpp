@@ -258,6 +258,17 @@ void setSession(qint16 userID, const QString& rights) {
     Session::UserRights = rights;
 }
 
+int errorOf(const std::function<void()>& f, QString* description) {
+    try {
+        f();
+    } catch (const platform::Error& e) {
+        if (description)
+            *description = e.description();
+        return e.number();
+    }
+    return 0;
+}
+
 QStringList messages() {
     QStringList out;
     for (const auto& m : platform::test::takeMessages())

@@ -81,6 +81,9 @@ bool onServer();
 // Logs in as a user of the given level without the login screen.
 void setSession(qint16 userID, const QString& rights);
 
+// The number of the error that `f` raises, 0 when it raises none; its text into `description`.
+int errorOf(const std::function<void()>& f, QString* description = nullptr);
+
 // The message boxes shown since the last call, as "style:text" lines.
 QStringList messages();
 
