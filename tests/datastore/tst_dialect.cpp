@@ -1,5 +1,6 @@
 #include "datastore/Dialect.h"
 #include "datastore/Errors.h"
+#include "support/TestSupport.h"
 
 #include <QLocale>
 #include <QtTest>
@@ -16,12 +17,7 @@ QString withIndex(const QString& statement) {
 }
 
 int refusal(const QString& statement) {
-    try {
-        db::SqliteDialect().translate(statement);
-    } catch (const platform::Error& e) {
-        return e.number();
-    }
-    return 0;
+    return testsupport::errorOf([&] { db::SqliteDialect().translate(statement); });
 }
 
 } // namespace
