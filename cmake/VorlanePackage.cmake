@@ -75,6 +75,8 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "adduser, debconf (>= 0.5) | debconf-2.0, libqt6sql6-sqlite, libqt6sql6-odbc, libqt6svg6, qt6-qpa-plugins, unixodbc")
+# A workstation of an office whose data lies on a PostgreSQL server reaches it through this driver.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "odbc-postgresql")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     ${pkg_src}/debian/postinst ${pkg_src}/debian/postrm ${pkg_src}/debian/config ${pkg_src}/debian/templates)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
