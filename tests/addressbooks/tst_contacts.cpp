@@ -98,20 +98,14 @@ class TestContacts : public QObject {
     }
 
   private slots:
+    // The report's data environment starts empty too.
     void init() {
-        form().Unload();
-        form().EditMode = false;
-        form().CurrentRowID = 0;
         reports::VorlaneDE::instance().reset();
-        env = std::make_unique<testsupport::TestEnvironment>();
-        testsupport::setSession(1, QStringLiteral("Modify"));
-        messages();
+        env = testsupport::startRecordCase(form());
     }
     void cleanup() {
-        form().Unload();
         reports::VorlaneDE::instance().reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        env.reset();
+        testsupport::endRecordCase(form(), env);
     }
 
     void theScreenAsDesigned() {

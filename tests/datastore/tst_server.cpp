@@ -5,9 +5,6 @@
 
 #include <QDate>
 #include <QElapsedTimer>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QtTest>
 
 using testsupport::errorOf;
@@ -16,19 +13,6 @@ namespace {
 
 const QString User = QStringLiteral("Admin");
 const QString Password = QStringLiteral("tarvo@48213");
-
-// Empties the database of the data source "Vorlane": no table, no extension.
-void emptyServerDatabase() {
-    {
-        QSqlDatabase store = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), QStringLiteral("empty"));
-        store.setDatabaseName(QStringLiteral("Vorlane"));
-        QVERIFY2(store.open(), qPrintable(store.lastError().text()));
-        QSqlQuery q(store);
-        for (const char* statement : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
-            QVERIFY2(q.exec(QLatin1String(statement)), qPrintable(q.lastError().text()));
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("empty"));
-}
 
 db::ConnectionPtr open(const QString& dataSource = QStringLiteral("Vorlane")) {
     auto c = std::make_shared<db::Connection>();
@@ -62,7 +46,7 @@ class ServerTest : public QObject {
 
 void ServerTest::initTestCase() {
     QVERIFY(db::odbcKnows(QStringLiteral("vorlane")));
-    emptyServerDatabase();
+    testsupport::emptyServerDatabase();
 }
 
 void ServerTest::setUpCreatesTheTablesOnce() {

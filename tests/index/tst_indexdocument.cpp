@@ -123,19 +123,10 @@ class TestIndexDocument : public QObject {
     void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom)); }
 
     void init() {
-        form().Unload();
-        form().EditMode = false;
-        form().CurrentRowID = 0;
-        env = std::make_unique<testsupport::TestEnvironment>();
-        testsupport::setSession(1, QStringLiteral("Modify"));
+        env = testsupport::startRecordCase(form());
         classification();
-        messages();
     }
-    void cleanup() {
-        form().Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        env.reset();
-    }
+    void cleanup() { testsupport::endRecordCase(form(), env); }
 
     void theScreenAsDesigned() {
         form().Show();

@@ -6,6 +6,7 @@
 #include "datastore/QtSqlEngine.h"
 #include "datastore/Schema.h"
 #include "platform/Error.h"
+#include "session/EditCycle.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
 
@@ -65,17 +66,6 @@ QString literal(QString text) {
     return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
 }
 
-// The server's database without any table (its public schema made anew).
-void emptyServerDatabase() {
-    withDb(QString(), [](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        for (const char* sql : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
-            if (!q.exec(QLatin1String(sql)))
-                qFatal("cannot empty the server's database: %s", qPrintable(q.lastError().text()));
-        return 0;
-    });
-}
-
 // Stops ("pause") or starts again ("resume") the tests' server (support/pgserver.sh), whose
 // odbc.ini the tests use.
 void serverControl(const char* command) {
@@ -87,6 +77,18 @@ void serverControl(const char* command) {
 }
 
 } // namespace
+
+void emptyServerDatabase() {
+    // Connections kept from the last test know the tables that are about to be made anew.
+    db::idle::clear();
+    withDb(QString(), [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        for (const char* sql : {"DROP SCHEMA public CASCADE", "CREATE SCHEMA public"})
+            if (!q.exec(QLatin1String(sql)))
+                qFatal("cannot empty the server's database: %s", qPrintable(q.lastError().text()));
+        return 0;
+    });
+}
 
 TestEnvironment::TestEnvironment(bool withDatabase) {
     QStandardPaths::setTestModeEnabled(true);
@@ -128,8 +130,6 @@ void TestEnvironment::createDatabase(const QString& user, const QString& passwor
         serverControl("resume");
         m_serverStopped = false;
     }
-    // Connections kept from the last test know the tables that are about to be made anew.
-    db::idle::clear();
     emptyServerDatabase();
     db::createServerDatabase(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword, user,
                              password);
@@ -251,6 +251,22 @@ bool OtherSeat::finish() {
     if (m_thread.joinable())
         m_thread.join();
     return !m_failed;
+}
+
+std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form) {
+    form.Unload();
+    form.EditMode = false;
+    form.CurrentRowID = 0;
+    auto env = std::make_unique<TestEnvironment>();
+    setSession(1, QStringLiteral("Modify"));
+    messages();
+    return env;
+}
+
+void endRecordCase(RecordForm& form, std::unique_ptr<TestEnvironment>& env) {
+    form.Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    env.reset();
 }
 
 void setSession(qint16 userID, const QString& rights) {

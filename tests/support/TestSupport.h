@@ -15,6 +15,8 @@ namespace db {
 class Connection;
 }
 
+class RecordForm;
+
 namespace testsupport {
 
 // A program folder of its own for one test: a temporary folder holding Database/Vorlane.mdb
@@ -77,6 +79,15 @@ class OtherSeat {
 // True when the tests run against the server (the data source "Vorlane" is known), not the
 // embedded file.
 bool onServer();
+
+// A record screen's test case starts with the screen unloaded and new, on a database of its own,
+// with the first user (level Modify) logged in and no message pending; it ends with the screen
+// unloaded and its window gone, then the database.
+std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form);
+void endRecordCase(RecordForm& form, std::unique_ptr<TestEnvironment>& env);
+
+// The server's database without any table or extension (its public schema made anew).
+void emptyServerDatabase();
 
 // Logs in as a user of the given level without the login screen.
 void setSession(qint16 userID, const QString& rights);
