@@ -13,11 +13,14 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QProxyStyle>
 #include <QScreen>
 #include <QStyle>
+#include <QStyleOption>
 #include <QTextEdit>
+#include <QTimer>
 #include <QToolTip>
 
 #include <algorithm>
@@ -481,7 +484,17 @@ DatePicker::DatePicker(QWidget* parent)
     layout->addWidget(m_box, 1);
     m_box->setEnabled(false);
     m_box->setMaxLength(40);
-    auto* drop = m_box->addAction(style()->standardIcon(QStyle::SP_ArrowDown), QLineEdit::TrailingPosition);
+    // The drop-down arrow of the style's lists opens the calendar.
+    QPixmap arrow(12, 12);
+    arrow.fill(Qt::transparent);
+    {
+        QPainter painter(&arrow);
+        QStyleOption option;
+        option.initFrom(this);
+        option.rect = arrow.rect();
+        style()->drawPrimitive(QStyle::PE_IndicatorArrowDown, &option, &painter, this);
+    }
+    auto* drop = m_box->addAction(QIcon(arrow), QLineEdit::TrailingPosition);
     drop->setToolTip(tr("Calendar (F4)"));
     connect(drop, &QAction::triggered, this, &DatePicker::showCalendar);
     m_check->setAccessibleName(tr("Use date"));
@@ -514,6 +527,7 @@ void DatePicker::setValue(const QVariant& value) {
     if (value.isValid() && !value.isNull()) {
         m_date = value.toDate();
         showDate();
+        setRefusal(QString());
         m_check->setChecked(true);
     } else {
         m_check->setChecked(false);
@@ -543,22 +557,35 @@ void DatePicker::takeTyped() {
         refuse(typed);
         return;
     }
-    m_refusal.clear();
-    m_box->setToolTip(QString());
-    m_box->setAccessibleDescription(QString());
     setValue(*date);
 }
 
 void DatePicker::refuse(const QString& typed) {
     const QLocale locale;
-    m_refusal = tr("\"%1\" is not a date: the box keeps %2. Type a date such as %3 or %4.")
-                    .arg(typed.trimmed(), locale.toString(m_date, m_format),
-                         locale.toString(QDate(2026, 3, 15), m_format), QStringLiteral("15/03/2026"));
     showDate();
-    m_box->setToolTip(m_refusal);
-    m_box->setAccessibleDescription(m_refusal);
-    if (!test::enabled()) // the tests read the refusal; no window of its own shows
-        QToolTip::showText(m_box->mapToGlobal(QPoint(0, m_box->height())), m_refusal, m_box);
+    setRefusal(tr("\"%1\" is not a date: the box keeps %2. Type a date such as %3 or %4.")
+                   .arg(typed.trimmed(), locale.toString(m_date, m_format),
+                        locale.toString(QDate(2026, 3, 15), m_format), QStringLiteral("15/03/2026")));
+}
+
+// The box says why it refused: tinted, with the reason as its tip, shown at once beside it
+// (after the focus has moved on, which would hide it) and told to assistive technology.
+void DatePicker::setRefusal(const QString& why) {
+    if (why == m_refusal)
+        return;
+    m_refusal = why;
+    m_box->setToolTip(why);
+    m_box->setAccessibleDescription(why);
+    QPalette tint;
+    if (!why.isEmpty())
+        tint.setColor(QPalette::Base, QColor(0xff, 0xe4, 0xe1));
+    m_box->setPalette(why.isEmpty() ? QPalette() : tint);
+    if (why.isEmpty() || test::enabled()) // the tests read the refusal; no window of its own shows
+        return;
+    QTimer::singleShot(0, m_box, [this] {
+        if (!m_refusal.isEmpty())
+            QToolTip::showText(m_box->mapToGlobal(QPoint(0, m_box->height())), m_refusal, m_box);
+    });
 }
 
 void DatePicker::showCalendar() {
@@ -588,9 +615,6 @@ void DatePicker::showCalendar() {
 
 void DatePicker::choose(const QDate& date) {
     m_calendar->close();
-    m_refusal.clear();
-    m_box->setToolTip(QString());
-    m_box->setAccessibleDescription(QString());
     setValue(date);
     m_box->setFocus(Qt::PopupFocusReason);
 }

@@ -188,6 +188,7 @@ class DatePicker : public QWidget {
   private:
     void takeTyped();
     void refuse(const QString& typed);
+    void setRefusal(const QString& why);
     void choose(const QDate& date);
     void showDate();
     void emitIfChanged();
