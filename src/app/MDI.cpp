@@ -21,8 +21,6 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QShortcut>
-#include <QStyle>
-#include <QStyleOptionFocusRect>
 #include <QVBoxLayout>
 
 namespace {
@@ -33,6 +31,9 @@ QHash<QString, std::function<void()>>& openers() {
 }
 
 std::function<void()> g_onEnd = [] { QCoreApplication::exit(0); };
+
+// The property of a screen's frame that names the toolbar entry that opened it.
+const char* const OpenedBy = "vorlaneOpenedBy";
 
 QString str(std::string_view s) {
     return QString::fromLatin1(s.data(), static_cast<qsizetype>(s.size()));
@@ -163,12 +164,14 @@ void ImageControl::focusInEvent(QFocusEvent* event) {
 
 void ImageControl::paintEvent(QPaintEvent* event) {
     QLabel::paintEvent(event);
+    // The entry that has the keyboard is framed whatever the style draws (some styles draw
+    // their focus frame only after a key has moved the focus, not after the login).
     if (hasFocus()) {
         QPainter p(this);
-        QStyleOptionFocusRect option;
-        option.initFrom(this);
-        option.rect = rect().adjusted(1, 1, -1, -1);
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &p, this);
+        p.setRenderHint(QPainter::Antialiasing);
+        p.setPen(QPen(QColor(0xf4, 0xb7, 0x40), 2));
+        p.setBrush(Qt::NoBrush);
+        p.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
     }
 }
 
@@ -282,6 +285,14 @@ QWidget* MDI::build() {
     auto* contents = help->addAction(QStringLiteral("Contents"));
     contents->setObjectName(QStringLiteral("mnuHelpContents"));
 
+    // Ctrl+F4 closes the screen in front, as its Close button does, the key of windows inside
+    // a main window. (Where the frame's own menu also claims the key, it counts once.)
+    auto* closeScreen = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4), w);
+    for (auto signal : {&QShortcut::activated, &QShortcut::activatedAmbiguously})
+        connect(closeScreen, signal, this, [frame] {
+            if (QMdiSubWindow* screen = frame->activeSubWindow())
+                screen->close();
+        });
     for (const QKeySequence& key : {QKeySequence(Qt::Key_F6), QKeySequence(Qt::SHIFT | Qt::Key_F6)}) {
         auto* pane = new QShortcut(key, w);
         connect(pane, &QShortcut::activated, this, [this] { switchPane(); });
@@ -405,8 +416,48 @@ void MDI::entryClick(const QString& entry) {
 
 void MDI::open(const QString& entry) {
     const auto opener = openers().value(entry);
-    if (opener)
-        opener();
+    if (!opener)
+        return;
+    QMdiArea* frame = area();
+    const QList<QMdiSubWindow*> before = frame ? frame->subWindowList() : QList<QMdiSubWindow*>();
+    opener();
+    if (!frame)
+        return;
+    // A screen that this entry opened gives the keyboard back to the entry when it closes.
+    for (QMdiSubWindow* screen : frame->subWindowList()) {
+        if (before.contains(screen))
+            continue;
+        screen->setProperty(OpenedBy, entry);
+        screen->installEventFilter(this);
+        // As it goes, the frame may hand the keyboard to another screen: take it back then.
+        connect(screen, &QObject::destroyed, this, [this, entry] {
+            QMetaObject::invokeMethod(
+                this,
+                [this, entry] {
+                    QWidget* focus = QApplication::focusWidget();
+                    if (!focus || (area() && area()->isAncestorOf(focus)))
+                        focusEntry(entry);
+                },
+                Qt::QueuedConnection);
+        });
+    }
+}
+
+bool MDI::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Hide && !event->spontaneous()) {
+        const QVariant entry = watched->property(OpenedBy);
+        if (entry.isValid())
+            focusEntry(entry.toString());
+    }
+    return Form::eventFilter(watched, event);
+}
+
+void MDI::focusEntry(const QString& entry) {
+    auto* img = control<ImageControl>(entry);
+    if (!img || !window()->isVisible())
+        return;
+    m_lastEntry = img;
+    img->setFocus(Qt::OtherFocusReason);
 }
 
 void MDI::ImgAbout_Click() {

@@ -60,10 +60,13 @@ class MDI : public Form {
   protected:
     QWidget* build() override;
     void Form_Load() override;
+    // A screen that an entry opened gives the keyboard back to that entry as it closes.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     MDI() : Form(false) {}
     void open(const QString& entry);
+    void focusEntry(const QString& entry);
     void ImgAbout_Click();
     void ImgHelp_Click();
     QPixmap pictureOf(const QString& entry, bool hover, bool* ok) const;

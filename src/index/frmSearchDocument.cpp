@@ -28,7 +28,7 @@ constexpr int ListWidth = 760;
 
 QString key(const platform::ComboBox* combo) {
     // The key is written as a plain decimal number.
-    return QString::number(platform::CDbl(QString::number(combo->ItemData(combo->ListIndex()))));
+    return platform::NumberText(platform::CDbl(QString::number(combo->ItemData(combo->ListIndex()))));
 }
 
 // The settings key of the viewer for an upper-cased extension; empty for a kind not known.

@@ -4,12 +4,14 @@
 #include <QComboBox>
 #include <QDate>
 #include <QListWidget>
+#include <QLocale>
 #include <QPushButton>
 #include <QTreeView>
 #include <QVariant>
+#include <optional>
 
+class QCalendarWidget;
 class QCheckBox;
-class QDateEdit;
 class QLabel;
 class QLineEdit;
 
@@ -116,7 +118,8 @@ class TextRows : public ListRows {
 
 // A list view in report form: columns with headers, the first of which may be of zero width
 // to carry a row's key unseen. Enter on a row counts as a double click, for keyboard users.
-// Its rows are added one by one, or come from a ListRows of the screen's own.
+// Its rows are added one by one, or come from a ListRows of the screen's own. The shown
+// columns share the list's width in the proportions of their designed widths.
 class ListView : public QTreeView {
     Q_OBJECT
   public:
@@ -139,10 +142,12 @@ class ListView : public QTreeView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
   private:
     TextRows* textRows() const;
     void applyWidth(int column);
+    void shareWidth();
     QStringList m_headers;
     QList<int> m_widths;
     ListRows* m_rows = nullptr;
@@ -151,6 +156,12 @@ class ListView : public QTreeView {
 // A date picker with a check box: its value is a date while ticked and Null (an invalid
 // QVariant) while clear. Change fires whenever the value changes, also when set from code.
 // A picker starts Null; one without its check box starts at today.
+//
+// The date shows in its custom format with the month's name in the running system's language.
+// A typed date is read whole when the box is left or Enter is pressed (readTypedDate); a text
+// that is no date is refused at the box: the box keeps its former date and says why. F4 and
+// Alt+Down open the calendar, Escape closes it; Up and Down step a day, Page Up and Page Down
+// a month.
 class DatePicker : public QWidget {
     Q_OBJECT
   public:
@@ -158,20 +169,46 @@ class DatePicker : public QWidget {
     QVariant Value() const;
     void setValue(const QVariant& value); // a QDate, or a null QVariant to clear the box
     void setCustomFormat(const QString& format);
+    QString customFormat() const { return m_format; }
     // Without its check box the picker always holds a date: a Null value leaves it as it is.
     void setCheckBox(bool shown);
-    QDateEdit* dateEdit() const { return m_edit; }
+    QLineEdit* dateBox() const { return m_box; }
     QCheckBox* checkBox() const { return m_check; }
+    // The calendar while it is open or has been; nullptr before.
+    QCalendarWidget* calendar() const { return m_calendar; }
+    void showCalendar();
+    // Why the last typed text was refused; empty once a date has been taken.
+    QString refusal() const { return m_refusal; }
   signals:
     void Change();
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
+    void takeTyped();
+    void refuse(const QString& typed);
+    void setRefusal(const QString& why);
+    void choose(const QDate& date);
+    void showDate();
     void emitIfChanged();
     QCheckBox* m_check;
-    QDateEdit* m_edit;
+    QLineEdit* m_box;
+    QCalendarWidget* m_calendar = nullptr;
+    QDate m_date;
+    QString m_format;
+    QString m_refusal;
     QVariant m_last;
     bool m_setting = false;
 };
+
+// A date as a clerk types it, read whole: day, month and year in that order, the month as a
+// number or by its name (in full or shortened, in the running system's language or in
+// English), separated by any of / . - blank or comma ("15/Mar/2026", "15/03/2026",
+// "15.3.2026", "15-3-26", "15 March 2026"); also the month's name first ("March 15, 2026")
+// and the year first with four digits ("2026-03-15"). A two-digit year means 1930 to 2029.
+// Nothing for a text that is no date, such as "31/Feb/2026".
+std::optional<QDate> readTypedDate(const QString& text, const QLocale& locale = QLocale());
 
 // Makes `box` a password box that shows `character` for each character typed.
 void setPasswordCharacter(QLineEdit* box, QChar character);

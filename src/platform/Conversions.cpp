@@ -74,7 +74,13 @@ QString CStr(const QVariant& value) {
         throw invalidUseOfNull();
     if (value.typeId() == QMetaType::QDate)
         return value.toDate().toString(QStringLiteral("dd/MM/yyyy"));
+    if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
+        return NumberText(value.toDouble());
     return value.toString();
+}
+
+QString NumberText(double number) {
+    return QString::number(number, 'f', QLocale::FloatingPointShortest);
 }
 
 QString FormatDate(const QVariant& value, const QString& format) {

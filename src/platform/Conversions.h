@@ -12,7 +12,11 @@ namespace platform {
 class Error;
 Error invalidUseOfNull();
 // Text of a value; a Null (invalid or null QVariant) fails with 94 "Invalid use of Null".
+// Numbers come out as plain decimals.
 QString CStr(const QVariant& value);
+// A number as plain decimal digits, as a statement takes it: 1234567, never 1.23457e+06; a
+// fraction with as many digits as it needs and a point.
+QString NumberText(double number);
 // Trimmed text of a value; fails on Null like CStr.
 QString TrimStr(const QVariant& value);
 // 16-bit signed integer, rounded half to even: 6 "Overflow" outside -32768..32767,

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QLineEdit>
 #include <QList>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
+#include <limits>
+#include <type_traits>
 
 // The typed controls of a screen. Each screen lists its controls once, in one struct, with
 // UI_CONTROL(Type, name): the member's name is the control's object name, so a misspelt name
@@ -21,9 +24,12 @@ template <class T> class Control {
     const QString& name() const { return m_name; }
 
     // Creates the control in `parent` under its object name; it replaces the one of an earlier load.
+    // A one-line text box takes text of any length unless the screen gives it a limit.
     T* make(QWidget* parent) {
         auto* control = new T(parent);
         control->setObjectName(m_name);
+        if constexpr (std::is_base_of_v<QLineEdit, T>)
+            control->setMaxLength(std::numeric_limits<int>::max());
         m_control = control;
         return control;
     }

@@ -3,6 +3,8 @@
 #include "Report.h"
 #include "platform/Dialogs.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -21,6 +23,76 @@ namespace reports {
 
 namespace {
 const double kZooms[] = {0.5, 0.75, 1.0, 1.25, 1.5, 2.0};
+
+// The page as assistive technology reads it: a read-only document whose text is the page's.
+class PageViewAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
+  public:
+    explicit PageViewAccessible(QWidget* w) : QAccessibleWidget(w, QAccessible::Document) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::TextInterface)
+            return static_cast<QAccessibleTextInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State s = QAccessibleWidget::state();
+        s.readOnly = true;
+        s.multiLine = true;
+        return s;
+    }
+    QString text(QAccessible::Text t) const override {
+        return t == QAccessible::Value ? content() : QAccessibleWidget::text(t);
+    }
+
+    QString text(int startOffset, int endOffset) const override {
+        return content().mid(startOffset, endOffset - startOffset);
+    }
+    int characterCount() const override { return int(content().size()); }
+    int cursorPosition() const override { return m_cursor; }
+    void setCursorPosition(int position) override { m_cursor = position; }
+    void selection(int, int* startOffset, int* endOffset) const override { *startOffset = *endOffset = 0; }
+    int selectionCount() const override { return 0; }
+    void addSelection(int, int) override {}
+    void removeSelection(int) override {}
+    void setSelection(int, int, int) override {}
+    QRect characterRect(int) const override { return QRect(); }
+    int offsetAtPoint(const QPoint&) const override { return -1; }
+    void scrollToSubstring(int, int) override {}
+    QString attributes(int, int* startOffset, int* endOffset) const override {
+        *startOffset = 0;
+        *endOffset = characterCount();
+        return QString();
+    }
+
+  private:
+    const QString& content() const { return static_cast<const PageView*>(widget())->pageText(); }
+    int m_cursor = 0;
+};
+
+QAccessibleInterface* pageViewAccessible(const QString& className, QObject* object) {
+    if (className == QLatin1String("reports::PageView") && object && object->isWidgetType())
+        return new PageViewAccessible(static_cast<QWidget*>(object));
+    return nullptr;
+}
+} // namespace
+
+PageView::PageView(QWidget* parent) : QLabel(parent) {
+    static const bool readable = [] {
+        QAccessible::installFactory(pageViewAccessible);
+        return true;
+    }();
+    Q_UNUSED(readable);
+}
+
+void PageView::setPage(const QPixmap& picture, const QString& text) {
+    setPixmap(picture);
+    resize(sizeHint());
+    if (text == m_text)
+        return;
+    const QString old = m_text;
+    m_text = text;
+    QAccessibleTextUpdateEvent event(this, 0, old, m_text);
+    QAccessible::updateAccessibility(&event);
 }
 
 ReportPreview::ReportPreview(Report* report) : m_report(report) {
@@ -41,9 +113,9 @@ ReportPreview::ReportPreview(Report* report) : m_report(report) {
                       QKeySequence(Qt::CTRL | Qt::Key_Home), &ReportPreview::firstPage);
     m_previous = addTool(QStringLiteral("<"), QStringLiteral("Previous page"), QKeySequence(Qt::Key_PageUp),
                          &ReportPreview::previousPage);
+    // The counter is announced as it reads, "Page 1 of 3".
     m_pageLabel = new QLabel(this);
     m_pageLabel->setObjectName(QStringLiteral("pageLabel"));
-    m_pageLabel->setAccessibleName(QStringLiteral("Page number"));
     m_pageLabel->setContentsMargins(8, 0, 8, 0);
     bar->addWidget(m_pageLabel);
     m_next = addTool(QStringLiteral(">"), QStringLiteral("Next page"), QKeySequence(Qt::Key_PageDown),
@@ -67,20 +139,22 @@ ReportPreview::ReportPreview(Report* report) : m_report(report) {
     addTool(QStringLiteral("&Close"), QStringLiteral("Close preview"), QKeySequence(Qt::Key_Escape),
             &ReportPreview::hidePreview);
 
-    m_pageImage = new QLabel;
+    // The page takes the keyboard, so that a screen reader starts reading it; the keys that
+    // scroll go on to the area around it.
+    m_pageImage = new PageView;
     m_pageImage->setObjectName(QStringLiteral("pageImage"));
     m_pageImage->setAlignment(Qt::AlignCenter);
     m_pageImage->setAccessibleName(QStringLiteral("Report page"));
+    m_pageImage->setFocusPolicy(Qt::StrongFocus);
     m_scroll = new QScrollArea(this);
     m_scroll->setObjectName(QStringLiteral("pageArea"));
-    m_scroll->setAccessibleName(QStringLiteral("Report page"));
     m_scroll->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_scroll->setBackgroundRole(QPalette::Dark);
     m_scroll->setWidget(m_pageImage);
     m_scroll->setWidgetResizable(false);
-    m_scroll->setFocusPolicy(Qt::StrongFocus);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
     setCentralWidget(m_scroll);
-    m_scroll->setFocus();
+    m_pageImage->setFocus();
 
     // A page fits the screen's height at 100% when it can.
     if (const QScreen* screen = QApplication::primaryScreen()) {
@@ -167,8 +241,11 @@ void ReportPreview::zoomOut() {
 }
 
 void ReportPreview::showPage() {
-    m_pageLabel->setText(pageText());
-    m_pageLabel->setAccessibleDescription(pageText());
+    if (m_pageLabel->text() != pageText()) {
+        m_pageLabel->setText(pageText());
+        QAccessibleEvent named(m_pageLabel, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&named);
+    }
     m_first->setEnabled(m_page > 0);
     m_previous->setEnabled(m_page > 0);
     m_next->setEnabled(m_page + 1 < pageCount());
@@ -176,8 +253,9 @@ void ReportPreview::showPage() {
     const double ratio = devicePixelRatioF();
     QImage image = renderPage(m_report->pages(), m_page, 96.0 * m_zoom * ratio);
     image.setDevicePixelRatio(ratio);
-    m_pageImage->setPixmap(QPixmap::fromImage(image));
-    m_pageImage->resize(m_pageImage->sizeHint());
+    const auto& pages = m_report->pages().pages;
+    m_pageImage->setPage(QPixmap::fromImage(image),
+                         m_page < pages.size() ? pages[m_page].texts().join(QLatin1Char('\n')) : QString());
 }
 
 void ReportPreview::hidePreview() {

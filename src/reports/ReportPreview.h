@@ -1,15 +1,28 @@
 #pragma once
 
+#include <QLabel>
 #include <QMainWindow>
 
 class QAction;
 class QComboBox;
-class QLabel;
 class QScrollArea;
 
 namespace reports {
 
 class Report;
+
+// A page of the preview: its picture, and its text for assistive technology, line by line in
+// reading order, so that a screen reader reads the page that is shown.
+class PageView : public QLabel {
+    Q_OBJECT
+  public:
+    explicit PageView(QWidget* parent = nullptr);
+    const QString& pageText() const { return m_text; }
+    void setPage(const QPixmap& picture, const QString& text);
+
+  private:
+    QString m_text;
+};
 
 // The preview window of one report: its pages as they will print, page by page, with
 // print, save as PDF, page navigation and zoom. Closing it only hides it.
@@ -50,7 +63,7 @@ class ReportPreview : public QMainWindow {
     int m_page = 0;
     double m_zoom = 1.0;
     QScrollArea* m_scroll = nullptr;
-    QLabel* m_pageImage = nullptr;
+    PageView* m_pageImage = nullptr;
     QLabel* m_pageLabel = nullptr;
     QComboBox* m_zoomBox = nullptr;
     QAction* m_first = nullptr;

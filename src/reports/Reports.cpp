@@ -1,6 +1,7 @@
 #include "Reports.h"
 
 #include "ReportDesigns.h"
+#include "platform/Conversions.h"
 #include "platform/MsgBox.h"
 
 #include <QDate>
@@ -21,7 +22,7 @@ QString fieldText(const QVariant& value) {
     case QMetaType::QDateTime:
         return english.toString(value.toDateTime().date(), QStringLiteral("dd/MMM/yyyy"));
     case QMetaType::Double:
-        return QString::number(value.toDouble());
+        return platform::NumberText(value.toDouble());
     default:
         return value.toString();
     }

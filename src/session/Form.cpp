@@ -6,7 +6,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPalette>
-#include <QShortcut>
 
 namespace {
 QPointer<QMdiArea> g_mdiArea;
@@ -80,8 +79,6 @@ void Form::prepareWindow() {
     w->setBackgroundRole(QPalette::Button);
     w->setAutoFillBackground(true);
     GenMod::CenterForm(w);
-    // Escape closes the screen, as its Close button does.
-    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), w);
-    escape->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(escape, &QShortcut::activated, this, [this] { Unload(); });
+    // Escape closes nothing here, so that no key throws typed work away; Ctrl+F4 closes the
+    // screen in front as its Close button does (the frame's own key).
 }

@@ -45,7 +45,7 @@ class Form : public QObject {
     // Runs once after build, at each load.
     virtual void Form_Load() {}
     // The first steps of a child screen's Form_Load: the main window's icon, the button-face
-    // background, centred in the main window; Escape closes the screen.
+    // background, centred in the main window.
     void prepareWindow();
 
   private:

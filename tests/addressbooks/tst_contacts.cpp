@@ -226,6 +226,20 @@ class TestContacts : public QObject {
         QCOMPARE(stored(2), QStringLiteral("Bob Marsh|1 Quay St||||555|555 9|b@x|same"));
     }
 
+    // No box has a limit of its own: an address of 40,000 characters is saved and loaded whole.
+    void boxesTakeAnyLength() {
+        form().Show();
+        const QString address = QString(40000, QLatin1Char('a'));
+        enter(QStringLiteral("Long|||||||"));
+        ctl<QLineEdit>("txtAdd1")->setText(address); // pasted
+        QCOMPARE(text("txtAdd1").size(), address.size());
+        press(2);
+        QCOMPARE(messages(), QStringList({Saved}));
+        press(1);
+        dblClick(QStringLiteral("Long"));
+        QCOMPARE(text("txtAdd1"), address);
+    }
+
     // Printing reads the whole table anew after new saves; a missing database is told on each
     // path, and the screen goes on.
     void printingAndAMissingDatabase() {

@@ -65,6 +65,9 @@ class TestMainWindow : public QObject {
         QVERIFY(QTest::qWaitForWindowActive(MDI::instance().window()));
         QVERIFY(entry("ImgPersonal")->hasFocus());
         QVERIFY(shows("ImgPersonal", MDI::ImgList("Personal1")));
+        // The entry that has the keyboard is framed, though no key has moved it yet.
+        const QColor mark = entry("ImgPersonal")->grab().toImage().pixelColor(1, 14);
+        QVERIFY2(mark.red() > 200 && mark.blue() < 120, qPrintable(mark.name()));
         // Tab lights the entry it reaches, as the mouse would.
         QTest::keyClick(entry("ImgPersonal"), Qt::Key_Tab);
         QVERIFY(shows("ImgSettings", MDI::ImgList("Settings2")));

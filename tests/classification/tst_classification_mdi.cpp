@@ -9,6 +9,7 @@
 #include "platform/Controls.h"
 #include "support/TestSupport.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -86,6 +87,39 @@ class TestClassificationInMainWindow : public QObject {
         QCOMPARE(MDI::instance().area()->activeSubWindow()->widget(), type.window());
         QCOMPARE(type.control<QLineEdit>("txtDocType")->text(), QStringLiteral("typed"));
         QCOMPARE(testsupport::messages(), QStringList());
+    }
+
+    // No key throws typed work away: Escape leaves the screen and its text; Ctrl+F4 closes the
+    // screen in front, as its Close button does, and the keyboard goes back to the entry that
+    // opened it, also while another screen stays open.
+    void escapeKeepsTypedWorkAndTheEntryGetsTheKeyboardBack() {
+        QWidget* main = MDI::instance().window();
+        QVERIFY(QTest::qWaitForWindowActive(main));
+        auto& type = frmDocType::instance();
+        auto& category = frmDocCat::instance();
+        MDI::instance().entryClick("ImgDocCat");
+        MDI::instance().entryClick("ImgDocType");
+        auto* box = type.control<QLineEdit>("txtDocType");
+        box->clear();
+        box->setFocus();
+        QTest::keyClicks(box, "Memos");
+        QTest::keyClick(box, Qt::Key_Escape);
+        QVERIFY(type.isLoaded());
+        QCOMPARE(box->text(), QStringLiteral("Memos"));
+        QTest::keyClick(box, Qt::Key_F4, Qt::ControlModifier);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+        QVERIFY(!type.isLoaded());
+        QCOMPARE(QApplication::focusWidget(), main->findChild<QWidget*>("ImgDocType"));
+        QVERIFY(category.isLoaded());
+
+        // The Close button gives the keyboard back likewise.
+        category.window()->activateWindow();
+        category.control<QLineEdit>("txtDocCategory")->setFocus();
+        category.cmd(3)->click();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+        QCOMPARE(QApplication::focusWidget(), main->findChild<QWidget*>("ImgDocCat"));
     }
 
     // Each screen with its list shown and a row loaded; every label, field and button shows

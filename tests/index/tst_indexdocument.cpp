@@ -135,7 +135,7 @@ class TestIndexDocument : public QObject {
         for (const char* name : {"dtpDocDate", "dtpFollowUp"}) {
             auto* picker = ctl<platform::DatePicker>(name);
             QVERIFY(picker->checkBox()->isHidden());
-            QCOMPARE(picker->dateEdit()->displayFormat(), QStringLiteral("dd/MMM/yyyy"));
+            QCOMPARE(picker->customFormat(), QStringLiteral("dd/MMM/yyyy"));
             QCOMPARE(picker->Value().toDate(), QDate::currentDate());
         }
         QCOMPARE(ctl<QLineEdit>("txtTitle1")->maxLength(), 200);
@@ -267,6 +267,27 @@ class TestIndexDocument : public QObject {
         press(2);
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(stored("ChildCatID", 1), QStringLiteral("23"));
+    }
+
+    // Dates typed into the boxes key by key are saved as typed; a text that is no date leaves
+    // the box at its former date.
+    void typedDatesAreSavedAsTyped() {
+        form().Show();
+        fillValid();
+        const auto typeDate = [this](const char* name, const char* typed) {
+            QLineEdit* box = ctl<platform::DatePicker>(name)->dateBox();
+            box->selectAll();
+            QTest::keyClicks(box, typed);
+            QTest::keyClick(box, Qt::Key_Return);
+        };
+        typeDate("dtpDocDate", "15/Mar/2026");
+        typeDate("dtpFollowUp", "1.4.26");
+        typeDate("dtpFollowUp", "31/Feb/2026");
+        QVERIFY(!ctl<platform::DatePicker>("dtpFollowUp")->refusal().isEmpty());
+        press(2);
+        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(stored("DocDate", 1), QStringLiteral("2026-03-15"));
+        QCOMPARE(stored("FollowupDate", 1), QStringLiteral("2026-04-01"));
     }
 
     // A quote breaks a new row's statement but is turned into a back-tick in a changed row's;

@@ -237,6 +237,31 @@ class TestSearchDocument : public QObject {
         QVERIFY(form().QueryDescription.isEmpty());
     }
 
+    // A key of a million or more goes into the statement as plain digits, and the search finds
+    // its documents; so do dates typed into the boxes as clerks type them.
+    void largeKeysAndTypedDates() {
+        env->exec("insert into File values(1234567,'F-1M','Archive',1)");
+        env->exec("update Vorlane set FileID=1234567 where IndexID=2");
+        form().Unload();
+        form().Show();
+        pick("cboFileNo", "F-1M");
+        picker("dtpDocFrom")->setValue(QDate(2020, 1, 1));
+        for (const char* name : {"dtpDocFrom", "dtpDocTo"}) {
+            QLineEdit* box = picker(name)->dateBox();
+            box->selectAll();
+            QTest::keyClicks(box, name == QByteArray("dtpDocFrom") ? "1.1.24" : "31/Jan/2024");
+            QTest::keyClick(box, Qt::Key_Return);
+        }
+        QCOMPARE(built().first, Base +
+                                    "Where I.DocDate >= #01-Jan-24# and I.DocDate <=#31-Jan-24# and "
+                                    "I.FileID=1234567 " +
+                                    Order);
+        search();
+        QCOMPARE(messages(), QStringList());
+        QCOMPARE(rows().size(), 1);
+        QVERIFY(rows().first().startsWith(QLatin1String("2|Tax return|")));
+    }
+
     // A criterion of any length is searched or refused with a message, and the screen goes on.
     void aVeryLongCriterion() {
         ctl<QLineEdit>("txtRemarks")->setText(QString(10000, QLatin1Char('r')));

@@ -8,13 +8,16 @@
 #include "platform/Shell.h"
 #include "platform/TestHooks.h"
 
+#include <QAccessible>
+#include <QCalendarWidget>
 #include <QCheckBox>
-#include <QDateEdit>
 #include <QFile>
 #include <QFileSystemModel>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -49,6 +52,10 @@ class TestPlatform : public QObject {
 
     void conversionsFailAsThePlatformDoes() {
         QCOMPARE(CInt(QVariant(32767)), qint16(32767));
+        // Numbers become plain decimals, as statements need them.
+        QCOMPARE(CStr(QVariant(1e16)), QStringLiteral("10000000000000000"));
+        QCOMPARE(NumberText(1000000), QStringLiteral("1000000"));
+        QCOMPARE(NumberText(0.25), QStringLiteral("0.25"));
         QCOMPARE(CInt(QVariant(2.5)), qint16(2)); // half to even
         QCOMPARE(CInt(QVariant(QStringLiteral(" 12 "))), qint16(12));
         auto number = [](auto f) {
@@ -258,6 +265,124 @@ class TestPlatform : public QObject {
         picker.checkBox()->setChecked(true); // the user ticks the box
         QCOMPARE(changes.count(), 3);
         QCOMPARE(picker.Value().toDate(), QDate(2026, 3, 5));
+    }
+
+    // A date is read whole as typed, in the running system's language; what is no date is
+    // refused at the box, which keeps its former date and says why.
+    void typedDatesAreTakenAsTyped_data() {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QDate>("taken"); // a null date: refused
+        const QDate march15(2026, 3, 15);
+        const auto row = [](const char* language, const char* typed, QDate taken) {
+            QTest::addRow("%s %s", language, typed)
+                << QString::fromLatin1(language) << QString::fromUtf8(typed) << taken;
+        };
+        for (const char* language : {"en_US", "de_DE"}) {
+            row(language, "15/03/2026", march15);
+            row(language, "15.3.2026", march15);
+            row(language, "15-3-26", march15);
+            row(language, "2026-03-15", march15);
+            row(language, "1/1/30", QDate(1930, 1, 1));
+            row(language, "31.12.29", QDate(2029, 12, 31));
+            row(language, "15/Mar/2026", march15); // English names are known everywhere
+            row(language, "31/Feb/2026", QDate());
+            row(language, "15/13/2026", QDate());
+            row(language, "15/03", QDate());
+            row(language, "15/03/026", QDate());
+            row(language, "tomorrow", QDate());
+        }
+        row("en_US", "15 march 2026", march15);
+        row("en_US", "March 15, 2026", march15);
+        row("en_US", "15/Ma/2026", QDate());
+        row("de_DE", "15/März/2026", march15);
+        row("de_DE", "15. März 2026", march15);
+        row("de_DE", "1/Okt./2025", QDate(2025, 10, 1));
+        row("de_DE", "1/Mai/2025", QDate(2025, 5, 1));
+        row("de_DE", "1/Ma/2025", QDate());
+    }
+    void typedDatesAreTakenAsTyped() {
+        QFETCH(QString, language);
+        QFETCH(QString, typed);
+        QFETCH(QDate, taken);
+        const auto restore = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+        QLocale::setDefault(QLocale(language));
+        QWidget form;
+        auto* picker = new DatePicker(&form);
+        picker->setCheckBox(false);
+        picker->setValue(QDate(2020, 2, 29));
+        QSignalSpy changes(picker, &DatePicker::Change);
+        QLineEdit* box = picker->dateBox();
+        box->selectAll();
+        for (const QChar c : typed) // key by key, also the keys of other languages' keyboards
+            QTest::sendKeyEvent(QTest::Click, box, Qt::Key_unknown, QString(c), Qt::NoModifier);
+        QTest::keyClick(box, Qt::Key_Return);
+        const QDate now = taken.isValid() ? taken : QDate(2020, 2, 29);
+        QCOMPARE(picker->Value().toDate(), now);
+        QCOMPARE(box->text(), QLocale().toString(now, QStringLiteral("dd/MMM/yyyy")));
+        QCOMPARE(changes.count(), taken.isValid() ? 1 : 0);
+        QCOMPARE(picker->refusal().isEmpty(), taken.isValid());
+        QCOMPARE(box->toolTip(), picker->refusal());
+    }
+
+    // F4 and Alt+Down open the calendar, Escape closes it, Enter takes its date; Space ticks
+    // and clears the box; Up and Down step a day.
+    void theCalendarAndTheKeysOfAPicker() {
+        QWidget form;
+        auto* picker = new DatePicker(&form);
+        auto* other = new QLineEdit(&form);
+        form.show();
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        picker->setFocus();
+        QTest::keyClick(picker->checkBox(), Qt::Key_Space);
+        QCOMPARE(picker->Value().toDate(), QDate::currentDate());
+        QTest::keyClick(picker->checkBox(), Qt::Key_F4);
+        QVERIFY(picker->calendar()->isVisible());
+        QTest::keyClick(picker->calendar()->focusWidget(), Qt::Key_Escape);
+        QVERIFY(!picker->calendar()->isVisible());
+        picker->setValue(QDate(2026, 3, 15));
+        QTest::keyClick(picker->dateBox(), Qt::Key_Down, Qt::AltModifier);
+        QVERIFY(picker->calendar()->isVisible());
+        picker->calendar()->setSelectedDate(QDate(2026, 4, 2));
+        QTest::keyClick(picker->calendar()->focusWidget(), Qt::Key_Return);
+        QVERIFY(!picker->calendar()->isVisible());
+        QCOMPARE(picker->Value().toDate(), QDate(2026, 4, 2));
+        QTest::keyClick(picker->dateBox(), Qt::Key_Up);
+        QCOMPARE(picker->Value().toDate(), QDate(2026, 4, 3));
+        // A date typed and left by Tab is taken as it stands.
+        picker->dateBox()->selectAll();
+        QTest::keyClicks(picker->dateBox(), QStringLiteral("1/Jun/2026"));
+        QTest::keyClick(picker->dateBox(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), other);
+        QCOMPARE(picker->Value().toDate(), QDate(2026, 6, 1));
+        QTest::keyClick(picker->checkBox(), Qt::Key_Space);
+        QVERIFY(!picker->Value().isValid());
+    }
+
+    // A drop-down list is announced by its caption, as a text box is; the chosen item is its
+    // value. A list view's columns share its width.
+    void listsForAssistiveTechnologyAndTheEye() {
+        QWidget form;
+        auto* label = new QLabel(QStringLiteral("File No. :"), &form);
+        auto* combo = new ComboBox(&form);
+        combo->AddItem(QStringLiteral("F-001"));
+        combo->setListIndex(0);
+        setBuddy(label, combo);
+        QAccessibleInterface* iface = QAccessible::queryAccessibleInterface(combo);
+        QCOMPARE(iface->role(), QAccessible::ComboBox);
+        QCOMPARE(iface->text(QAccessible::Name), QStringLiteral("File No. :"));
+        QCOMPARE(iface->text(QAccessible::Value), QStringLiteral("F-001"));
+
+        auto* list = new ListView(&form);
+        list->addColumn(QStringLiteral("Key"), 0);
+        list->addColumn(QStringLiteral("Title"), 100);
+        list->addColumn(QStringLiteral("Date"), 50);
+        list->resize(400, 200);
+        form.show();
+        const int room = list->viewport()->width();
+        QCOMPARE(list->columnWidth(1) + list->columnWidth(2), room);
+        QVERIFY(qAbs(list->columnWidth(1) - 2 * list->columnWidth(2)) <= 2);
+        QVERIFY(!list->horizontalScrollBar()->isVisible());
     }
 
     void clearingAFormLeavesPickersAlone() {

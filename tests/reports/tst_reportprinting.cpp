@@ -3,7 +3,9 @@
 #include "reports/Reports.h"
 #include "support/TestSupport.h"
 
+#include <QAccessible>
 #include <QFile>
+#include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -173,6 +175,16 @@ void TestReportPrinting::previewNavigatesZoomsSavesAndPrints() {
     preview->nextPage();
     QCOMPARE(preview->pageText(), QStringLiteral("Page 2 of %1").arg(count));
     QCOMPARE(bar->value(), 0);
+    // Assistive technology reads the counter as it shows and the page's text in reading order.
+    QAccessibleInterface* counter =
+        QAccessible::queryAccessibleInterface(preview->findChild<QLabel*>("pageLabel"));
+    QCOMPARE(counter->text(QAccessible::Name), QStringLiteral("Page 2 of %1").arg(count));
+    QAccessibleTextInterface* page =
+        QAccessible::queryAccessibleInterface(preview->findChild<QWidget*>("pageImage"))->textInterface();
+    QVERIFY(page);
+    const QString second = page->text(0, page->characterCount());
+    QCOMPARE(second, report.pages().pages[1].texts().join(QLatin1Char('\n')));
+    QVERIFY(second.contains(QStringLiteral("File Number\nParticulars")));
     preview->lastPage();
     QCOMPARE(preview->currentPage(), count - 1);
     preview->nextPage();
