@@ -118,26 +118,17 @@ enum class Languages { RunningAndEnglish, Any };
 // The month of a name: that of the running locale, else the system's, else English (exactly,
 // then loosely, in each; a name that means two months there means none); with Languages::Any
 // also the one month that every language using the name means. 0 when none.
-int monthNumber(QStringView name, Languages languages) {
+int lookUp(const QString& name, Languages languages, const LocaleNames& current) {
     const QString exact = exactKey(name);
     if (exact.isEmpty())
         return 0;
-    thread_local LocaleNames current;
-    const QLocale running;
-    if (running != current.running) {
-        current.running = running;
-        current.runningNames = MonthNames(running);
-    }
-    const QLocale system = QLocale::system();
-    if (system != current.system) {
-        current.system = system;
-        current.systemNames = MonthNames(system);
-    }
-    const QString loose = looseKey(exact);
+    QString loose;
     const MonthNames* const order[] = {&current.runningNames, &current.systemNames, &englishNames()};
     for (const MonthNames* names : order) {
         if (const int m = names->exact(exact); m > 0)
             return m;
+        if (loose.isNull())
+            loose = looseKey(exact);
         if (const int m = names->loose(loose); m > 0)
             return m;
     }
@@ -147,6 +138,19 @@ int monthNumber(QStringView name, Languages languages) {
         return qMax(0, namesOfAnyLanguage().loose(loose));
     }
     return 0;
+}
+
+int monthNumber(const QString& name, Languages languages) {
+    thread_local LocaleNames current;
+    const QLocale running;
+    const QLocale system = QLocale::system();
+    if (running != current.running || system != current.system) {
+        current.running = running;
+        current.runningNames = MonthNames(running);
+        current.system = system;
+        current.systemNames = MonthNames(system);
+    }
+    return lookUp(name, languages, current);
 }
 
 // The decimal digit at `i` in any script, a character of one or two UTF-16 units; -1 when
@@ -191,7 +195,7 @@ std::optional<QDate> parseDate(const QString& text, Languages languages) {
         return std::nullopt;
     if (yearDigits == 2)
         year += year >= 30 ? 1900 : 2000;
-    const int month = monthNumber(s.sliced(i + 1, last - i - 1), languages);
+    const int month = monthNumber(s.sliced(i + 1, last - i - 1).toString(), languages);
     if (month == 0)
         return std::nullopt;
     const QDate date(year, month, day);
