@@ -1,5 +1,6 @@
 #include "Ado.h"
 
+#include "DateText.h"
 #include "Dialect.h"
 #include "Engine.h"
 #include "Schema.h"
@@ -387,11 +388,10 @@ void Recordset::Update() {
     const QString table = d.singleTable();
     FieldValues values;
     for (const auto& [name, value] : d.pending) {
-        QVariant stored = value;
-        if (value.typeId() == QMetaType::QString && isDateColumn(table, name))
-            if (const auto parsed = sql::parseScreenDate(value.toString()))
-                stored = *parsed;
-        values.push_back({name, stored});
+        // A text for a date column is one of the screens' dates or refused.
+        const bool dateText = value.typeId() == QMetaType::QString && isDateColumn(table, name);
+        values.push_back(
+            {name, dateText ? QVariant(sql::columnDate(value.toString(), canonicalName(name))) : value});
     }
     d.connection->engine().insert(table, values);
 

@@ -1,5 +1,6 @@
 #include "Dialect.h"
 
+#include "DateText.h"
 #include "Errors.h"
 #include "Schema.h"
 #include "SqlText.h"
@@ -15,15 +16,16 @@ using sql::TokenKind;
     throw platform::Error(ErrStatement, why);
 }
 
-// A '...' text that reads as a date becomes the engine's date; anything else stays as written.
-void convertDateText(Token& t) {
+// A '...' text put into a date column becomes the engine's date; a text that is no date is
+// refused. Any other value (Null, a number, an expression) stays as written.
+void convertDateText(Token& t, const QString& column) {
     if (t.kind != TokenKind::String)
         return;
-    if (const auto date = sql::parseScreenDate(sql::stringValue(t.text)))
-        t.text = QLatin1Char('\'') + date->toString(Qt::ISODate) + QLatin1Char('\'');
+    const QDate date = sql::columnDate(sql::stringValue(t.text), column);
+    t.text = QLatin1Char('\'') + date.toString(Qt::ISODate) + QLatin1Char('\'');
 }
 
-// Insert into T [(c1, c2, ...)] values (v1, v2, ...): each value goes to its column.
+// Insert into T [(c1, c2, ...)] values (v1, v2, ...)[, (...)]: each value goes to its column.
 void convertInsertDates(QVector<Token>& tokens, int start) {
     int i = sql::skipSpace(tokens, start + 1);
     if (i >= tokens.size() || !sql::isKeyword(tokens[i], "into"))
@@ -47,39 +49,43 @@ void convertInsertDates(QVector<Token>& tokens, int start) {
     }
     if (i >= tokens.size() || !sql::isKeyword(tokens[i], "values"))
         return;
-    i = sql::skipSpace(tokens, i + 1);
-    if (i >= tokens.size() || tokens[i].text != QLatin1String("("))
-        return;
-    int depth = 0;
-    int position = 0;
-    int valueStart = -1;
-    int valueTokens = 0;
-    auto finishValue = [&] {
-        if (valueTokens == 1 && position < columns.size() && isDateColumn(table->name, columns[position]))
-            convertDateText(tokens[valueStart]);
-        ++position;
-        valueStart = -1;
-        valueTokens = 0;
-    };
-    for (++i; i < tokens.size(); ++i) {
-        Token& t = tokens[i];
-        if (t.kind == TokenKind::Space)
-            continue;
-        if (t.kind == TokenKind::Punct && t.text == QLatin1String("(")) {
-            ++depth;
-        } else if (t.kind == TokenKind::Punct && t.text == QLatin1String(")")) {
-            if (depth == 0) {
+    // One row of values after the other, separated by commas.
+    for (i = sql::skipSpace(tokens, i + 1); i < tokens.size() && sql::isPunct(tokens[i], "(");
+         i = sql::skipSpace(tokens, i + 1)) {
+        int depth = 0;
+        int position = 0;
+        int valueStart = -1;
+        int valueTokens = 0;
+        auto finishValue = [&] {
+            if (valueTokens == 1 && position < columns.size() && isDateColumn(table->name, columns[position]))
+                convertDateText(tokens[valueStart], canonicalName(columns[position]));
+            ++position;
+            valueStart = -1;
+            valueTokens = 0;
+        };
+        for (++i; i < tokens.size(); ++i) {
+            Token& t = tokens[i];
+            if (t.kind == TokenKind::Space)
+                continue;
+            if (sql::isPunct(t, "(")) {
+                ++depth;
+            } else if (sql::isPunct(t, ")")) {
+                if (depth == 0) {
+                    finishValue();
+                    break;
+                }
+                --depth;
+            } else if (depth == 0 && sql::isPunct(t, ",")) {
                 finishValue();
-                return;
+                continue;
             }
-            --depth;
-        } else if (depth == 0 && t.kind == TokenKind::Punct && t.text == QLatin1String(",")) {
-            finishValue();
-            continue;
+            if (valueStart < 0)
+                valueStart = i;
+            ++valueTokens;
         }
-        if (valueStart < 0)
-            valueStart = i;
-        ++valueTokens;
+        i = sql::skipSpace(tokens, i + 1);
+        if (i >= tokens.size() || !sql::isPunct(tokens[i], ","))
+            return;
     }
 }
 
@@ -107,7 +113,7 @@ void convertUpdateDates(QVector<Token>& tokens, int start) {
                           sql::isKeyword(tokens[after], "where") ||
                           tokens[after].kind == TokenKind::Semicolon;
         if (v < tokens.size() && lone && isDateColumn(table->name, column))
-            convertDateText(tokens[v]);
+            convertDateText(tokens[v], canonicalName(column));
         // On to the next assignment: past the value, at the depth of the set list.
         int depth = 0;
         for (i = v; i < tokens.size(); ++i) {

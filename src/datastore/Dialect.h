@@ -13,10 +13,10 @@ struct Token;
 // Translates a statement as the screens write it into the text that one engine runs.
 // The screens' dialect:
 //  - names of tables and columns regardless of letter case; reserved names stand bare;
-//  - date literals between '#' signs, "dd-MMM-yy" or "dd/MMM/yyyy", month names of the
-//    running locale or English; two-digit years 30-99 are 19xx, 00-29 are 20xx;
-//  - a quoted "dd/MMM/yyyy" text put into a date column by a positional Insert or an
-//    Update's set list is a date (the schema says which columns are dates);
+//  - date literals between '#' signs, "dd-MMM-yy" or "dd/MMM/yyyy" as the running locale writes
+//    them (sql::parseScreenDate); two-digit years 30-99 are 19xx, 00-29 are 20xx;
+//  - a quoted "dd/MMM/yyyy" text put into a date column by an Insert or an Update's set list is a
+//    date (the schema says which columns are dates), and a text there that is no date is refused;
 //  - `like` with '%' and '_', and '=' on texts, without regard to letter case; a `like` on one
 //    of the four texts of the documents may be served by their contains-search index;
 //  - one statement per call: text after ';' is refused, and "--" or "/*" outside quotes

@@ -1,5 +1,6 @@
 #include "Schema.h"
 
+#include "DateTexts.h"
 #include "Dialect.h"
 #include "Engine.h"
 #include "Errors.h"
@@ -287,6 +288,7 @@ void createDatabase(const QString& path, const QString& scrambledUserName, const
             QStringList statements{QStringLiteral("PRAGMA journal_mode=DELETE"), QStringLiteral("BEGIN")};
             statements << creationStatements(Store::Embedded);
             statements << QStringLiteral("INSERT INTO \"Logins\" VALUES (1, ?, ?, 0, 0, 1, 1)")
+                       << QStringLiteral("PRAGMA user_version = %1").arg(DateTextsConvertedVersion)
                        << QStringLiteral("COMMIT");
             for (const QString& sql : statements) {
                 bool ok;

@@ -2,9 +2,6 @@
 
 #include "Errors.h"
 
-#include <QLocale>
-#include <QRegularExpression>
-
 namespace db::sql {
 
 namespace {
@@ -18,26 +15,6 @@ bool isWordStart(QChar c) {
 }
 bool isWordChar(QChar c) {
     return isWordStart(c) || c.isDigit() || c == QLatin1Char('$');
-}
-
-// Month number for a short or long month name of the running locale or of English.
-int monthNumber(const QString& name) {
-    const QLocale locales[] = {QLocale(), QLocale::system(), QLocale::c()};
-    for (const QLocale& loc : locales) {
-        for (int m = 1; m <= 12; ++m) {
-            for (const QString& candidate :
-                 {loc.monthName(m, QLocale::ShortFormat), loc.monthName(m, QLocale::LongFormat),
-                  loc.standaloneMonthName(m, QLocale::ShortFormat),
-                  loc.standaloneMonthName(m, QLocale::LongFormat)}) {
-                QString c = candidate;
-                if (c.endsWith(QLatin1Char('.')))
-                    c.chop(1);
-                if (!c.isEmpty() && c.compare(name, Qt::CaseInsensitive) == 0)
-                    return m;
-            }
-        }
-    }
-    return 0;
 }
 
 } // namespace
@@ -177,25 +154,6 @@ QString quoteString(const QString& value) {
     QString v = value;
     v.replace(QLatin1Char('\''), QStringLiteral("''"));
     return QLatin1Char('\'') + v + QLatin1Char('\'');
-}
-
-std::optional<QDate> parseScreenDate(const QString& text) {
-    static const QRegularExpression form(
-        QStringLiteral("^\\s*(\\d{1,2})([-/])([^\\d\\s/-]+)\\2(\\d{2}|\\d{4})\\s*$"),
-        QRegularExpression::UseUnicodePropertiesOption);
-    const auto m = form.match(text);
-    if (!m.hasMatch())
-        return std::nullopt;
-    const int month = monthNumber(m.captured(3));
-    if (month == 0)
-        return std::nullopt;
-    int year = m.captured(4).toInt();
-    if (m.captured(4).size() == 2)
-        year += year >= 30 ? 1900 : 2000;
-    const QDate date(year, month, m.captured(1).toInt());
-    if (!date.isValid())
-        return std::nullopt;
-    return date;
 }
 
 } // namespace db::sql

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QDate>
 #include <QString>
 #include <QVector>
 #include <initializer_list>
-#include <optional>
 
 // The pieces of a statement as the screens write it. Shared by the dialects and the recordset.
 namespace db::sql {
@@ -34,10 +32,6 @@ QVector<Token> tokenize(const QString& statement);
 QString stringValue(const QString& literal);
 // A '...' literal holding `value`.
 QString quoteString(const QString& value);
-
-// "dd-MMM-yy", "dd/MMM/yyyy" (and the other separator or year width), month names in the
-// running locale or English. Two-digit years 30-99 are 19xx, 00-29 are 20xx.
-std::optional<QDate> parseScreenDate(const QString& text);
 
 bool isKeyword(const Token& t, const char* keyword);
 bool isAnyKeyword(const Token& t, std::initializer_list<const char*> keywords);

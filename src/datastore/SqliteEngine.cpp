@@ -1,5 +1,6 @@
 #include "SqliteEngine.h"
 
+#include "DateTexts.h"
 #include "Dialect.h"
 #include "Errors.h"
 #include "Schema.h"
@@ -175,6 +176,9 @@ std::unique_ptr<SqliteEngine> SqliteEngine::openEmbedded(int timeoutSeconds) {
     // Without the index (a seat that may not write the file, or one that found the file locked too
     // long) every like reads all documents, as before the index existed.
     engine->m_dialect->setTextIndex(openTextIndex(engine->m_handle) != TextIndexState::Unavailable);
+    // Dates that an earlier version kept as texts become dates, once; a seat that cannot write
+    // the file reads them as texts, as before.
+    convertDateTexts(engine->m_handle);
     return engine;
 }
 

@@ -100,20 +100,19 @@ void DialectTest::datesInInsertAndUpdateFollowTheSchema() {
                    "5,'b','r',1)"),
         QStringLiteral("Insert into \"Vorlane\" Values(1, '2026-03-05','2026-03-06',1,2,3,4,'05/Mar/2026',"
                        "'t2','c:\\a.pdf',5,'b','r',1)"));
-    QCOMPARE(translated("Update Vorlane set DocDate='05/Mar/2026', title1='05/Mar/2026', FollowupDate='' "
+    QCOMPARE(translated("Update Vorlane set DocDate='05/Mar/2026', title1='05/Mar/2026', FollowupDate=Null "
                         "where IndexID=3"),
              QStringLiteral("Update \"Vorlane\" set \"DocDate\"='2026-03-05', \"Title1\"='05/Mar/2026', "
-                            "\"FollowupDate\"='' where \"IndexID\"=3"));
+                            "\"FollowupDate\"=Null where \"IndexID\"=3"));
     // A text in a where clause is no assignment.
     QCOMPARE(translated("Update Vorlane set Remarks='x' where Title1='05/Mar/2026'"),
              QStringLiteral("Update \"Vorlane\" set \"Remarks\"='x' where \"Title1\"='05/Mar/2026'"));
     // The working table of the report takes any text in its "date" columns.
     QCOMPARE(translated("Insert into PrintSearchResult (DocDate) values ('05/Mar/2026')"),
              QStringLiteral("Insert into \"PrintSearchResult\" (\"DocDate\") values ('05/Mar/2026')"));
-    // An invalid text stays as it is.
-    QCOMPARE(translated("Insert into Vorlane Values(1,'31/Feb/2026','x',1,2,3,4,'a','b','c',5,'d','e',1)"),
-             QStringLiteral(
-                 "Insert into \"Vorlane\" Values(1,'31/Feb/2026','x',1,2,3,4,'a','b','c',5,'d','e',1)"));
+    // A text that is no date is refused, in any row.
+    QCOMPARE(refusal("Insert into Vorlane (IndexID, DocDate) values (1, '05/Mar/2026'), (2, '')"),
+             db::ErrStatement);
 }
 
 void DialectTest::quotedTextsAreLeftAlone() {

@@ -3,7 +3,10 @@
 // list of all documents and the load of a row back into the fields; the data store failing.
 #include "datastore/Ado.h"
 #include "index/frmIndexDocument.h"
+#include "index/frmSearchDocument.h"
+#include "maintenance/frmSettings.h"
 #include "platform/Controls.h"
+#include "platform/MsgBox.h"
 #include "platform/Settings.h"
 #include "session/GenMod.h"
 #include "support/ScreenDriver.h"
@@ -517,6 +520,60 @@ class TestIndexDocument : public QObject {
         QCOMPARE(messages(), QStringList({Saved}));
         QCOMPARE(env->count("Vorlane"), 2);
         QCOMPARE(stored("Title1", 2), QStringLiteral("Lease agreement"));
+    }
+
+    void underOtherLanguages_data() {
+        QTest::addColumn<QString>("locale");
+        for (const char* name : {"de_DE", "fr_FR", "ru_RU", "ar_EG", "ja_JP", "tr_TR"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+    // Languages whose month names the screens write with a dot, in digits of their own or holding
+    // digits: two documents saved, listed newest first, found by a range of dates and purged.
+    void underOtherLanguages() {
+        QFETCH(QString, locale);
+        const QLocale language(locale);
+        QLocale::setDefault(language);
+        const auto restore = qScopeGuard([] {
+            frmSearchDocument::instance().Unload();
+            frmSettings::instance().Unload();
+            QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+        });
+        const auto shown = [&](const QDate& d) {
+            return language.toString(d, QStringLiteral("dd/MMM/yyyy"));
+        };
+        const QDate older(2024, 2, 29), newer(2025, 9, 1);
+        form().Show();
+        for (const QDate& date : {older, newer}) {
+            fillValid(QString::number(date.year()));
+            ctl<platform::DatePicker>("dtpDocDate")->setValue(date);
+            ctl<platform::DatePicker>("dtpFollowUp")->setValue(date);
+            press(2);
+        }
+        QCOMPARE(messages(), QStringList({Saved, Saved}));
+        press(1);
+        QCOMPARE(rows(), QStringList({QStringLiteral("2|2025||%1|%1|").arg(shown(newer)),
+                                      QStringLiteral("1|2024||%1|%1|").arg(shown(older))}));
+
+        const frmSearchDocument& search = frmSearchDocument::instance();
+        frmSearchDocument::instance().Show();
+        testsupport::ctl<platform::DatePicker>(search, "dtpDocFrom")->setValue(QDate(2025, 1, 1));
+        testsupport::ctl<platform::DatePicker>(search, "dtpDocTo")->setValue(newer);
+        testsupport::press(search, "cmdSearch");
+        QCOMPARE(testsupport::listRows(search, "lstList"),
+                 QStringList(
+                     QStringLiteral("2|2025||%1|%1|||F-002|/home/office/Scans/lease.PDF").arg(shown(newer))));
+
+        const frmSettings& settings = frmSettings::instance();
+        frmSettings::instance().Show();
+        testsupport::ctl<platform::DatePicker>(settings, "dtpDelete")->setValue(newer);
+        platform::test::answerNext(platform::vbYes);
+        testsupport::press(settings, "cmdDelete");
+        QCOMPARE(messages(),
+                 QStringList(QStringLiteral("68:Confirm once again whether to proceed or not.\nAll "
+                                            "records before %1 will be deleted.")
+                                 .arg(shown(newer))));
+        QCOMPARE(env->count("Vorlane"), 1);
+        QCOMPARE(stored("DocDate", 2), QStringLiteral("2025-09-01"));
     }
 };
 
