@@ -70,6 +70,8 @@ template <class T> class ControlArray {
 
 } // namespace ui
 
+// The type stands as a template argument, where parentheses cannot go.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define UI_CONTROL(Type, name)                                                                               \
     ::ui::Control<Type> name {                                                                               \
 #name                                                                                                \
@@ -78,3 +80,4 @@ template <class T> class ControlArray {
     ::ui::ControlArray<Type> name {                                                                          \
 #name                                                                                                \
     }
+// NOLINTEND(bugprone-macro-parentheses)
