@@ -16,7 +16,9 @@ packages=(
 # The tests also run against a PostgreSQL 15 server of their own (tests/support/pgserver.sh).
 # The package test builds the Debian package, checks it with lintian and the validators of
 # desktop entries and AppStream metadata, and installs it for a throwaway user.
-test_packages=(poppler-utils xvfb xauth clang-format sqlite3 postgresql
+# clang-tidy checks src/, and the sanitizer build is compiled by clazy (with clang's sanitizer
+# runtime), which checks the code against Qt's own rules.
+test_packages=(poppler-utils xvfb xauth clang-format clang-tidy clazy libclang-rt-14-dev sqlite3 postgresql
   dpkg-dev lintian desktop-file-utils appstream adduser passwd)
 # The benchmark compares the program with the sqlite3 shell on the same file (and, with
 # --server, with psql).
@@ -54,8 +56,10 @@ case "${1:-}" in
     configure ci
     cmake --build build --target format-check
     cmake --build --preset ci -j"$jobs"
+    cmake --build build --target lint
     ctest --preset ci -j"$jobs"
-    # Once more under AddressSanitizer and UndefinedBehaviorSanitizer.
+    # Once more under AddressSanitizer, UndefinedBehaviorSanitizer and LeakSanitizer, compiled by
+    # clazy: a finding of Qt's rules fails the build as a warning does.
     configure asan
     cmake --build --preset asan -j"$jobs"
     ctest --preset asan -j"$jobs"

@@ -213,7 +213,7 @@ QPixmap MDI::ImgList(const QString& key) {
 }
 
 void MDI::setOpener(const QString& entry, std::function<void()> open) {
-    openers().insert(entry, std::move(open));
+    openers()[entry] = std::move(open);
 }
 void MDI::setOnEnd(std::function<void()> action) {
     g_onEnd = std::move(action);

@@ -217,7 +217,7 @@ struct Recordset::Impl {
         if (i >= tokens.size() ||
             (tokens[i].kind != sql::TokenKind::Word && tokens[i].kind != sql::TokenKind::Bracketed))
             return QString();
-        const QString table = tokens[i].text;
+        QString table = tokens[i].text;
         for (++i; i < tokens.size(); ++i) {
             const sql::Token& t = tokens[i];
             if (t.kind == sql::TokenKind::Space || t.kind == sql::TokenKind::Semicolon)

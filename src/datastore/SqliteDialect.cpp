@@ -138,10 +138,9 @@ bool isFilterTerm(const QVector<Token>& tokens, int first, int last) {
                     return true;
                 } else if (sql::isKeyword(t, "and") || sql::isKeyword(t, "or")) {
                     connectivePassed = true;
-                } else if (sql::isKeyword(t, "between") && !connectivePassed &&
-                           sql::isKeyword(tokens[before], "and")) {
-                    return false; // the "and" of a between
-                } else if (isPunct(t, ",") ||
+                } else if ((sql::isKeyword(t, "between") && !connectivePassed &&
+                            sql::isKeyword(tokens[before], "and")) || // the "and" of a between
+                           isPunct(t, ",") ||
                            isAnyKeyword(t, {"select", "when", "then", "else", "by", "set", "values", "from",
                                             "distinct", "all", "limit", "offset", "using", "returning"})) {
                     return false;

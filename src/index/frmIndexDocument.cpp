@@ -338,10 +338,10 @@ void frmIndexDocument::LoadDocument(qint32 DocumentID) {
         choose(ui.cboDocCategory, "CatID");
         choose(ui.cboDocSubCategory, "SubCatID");
         choose(ui.cboDocChildCategory, "ChildCatID");
-        for (auto [box, name] :
+        for (const auto& boxField :
              {std::pair{ui.txtTitle1.get(), "Title1"}, std::pair{ui.txtTitle2.get(), "Title2"},
               std::pair{ui.txtFilePath.get(), "FilePath"}})
-            resumeNext([&] { box->setText(TrimStr(field(name))); });
+            resumeNext([&] { boxField.first->setText(TrimStr(field(boxField.second))); });
         choose(ui.cboFile, "FileID");
         resumeNext([&] { ui.txtBookmark->setText(TrimStr(field("Bookmark"))); });
         resumeNext([&] { ui.txtRemarks->setPlainText(TrimStr(field("Remarks"))); });

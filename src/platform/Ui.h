@@ -76,6 +76,8 @@ template <class T> class ControlArray {
 
 } // namespace ui
 
+// The type stands as a template argument, where parentheses cannot go.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define UI_CONTROL(Type, name)                                                                               \
     ::ui::Control<Type> name {                                                                               \
 #name                                                                                                \
@@ -84,3 +86,4 @@ template <class T> class ControlArray {
     ::ui::ControlArray<Type> name {                                                                          \
 #name                                                                                                \
     }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -6,6 +6,12 @@ namespace {
 
 constexpr double W = kToRightMargin;
 
+// The tables below spell names and captions as plain literals, in UTF-8.
+struct Utf8 {
+    Utf8(const char* text) : value(QString::fromUtf8(text)) {} // NOLINT: the tables' literals
+    QString value;
+};
+
 // Type faces of the lists: a centred title, bold headings between rules, plain rows.
 const FontSpec kTitle{15.0, true};
 const FontSpec kHeading{9.0, true};
@@ -21,9 +27,9 @@ const FontSpec kLhValue{10.0, false, false, true};
 constexpr double kLhGap = 3.0;
 
 // The lists' defaults: labels are set as headings, text boxes as rows.
-Control heading(const QString& name, const QString& caption, double left, double top, double width,
-                double height, FontSpec font = kHeading, Align align = Align::Left) {
-    return label(name, caption, left, top, width, height, font, align);
+Control heading(const Utf8& name, const Utf8& caption, double left, double top, double width, double height,
+                FontSpec font = kHeading, Align align = Align::Left) {
+    return label(name.value, caption.value, left, top, width, height, font, align);
 }
 
 enum Grow { Fixed, Grows };
@@ -41,15 +47,19 @@ Control growing(Control c) {
 }
 
 // A caption centred together with its value as one unit.
-Control centredWith(Control c, const QString& partner, double gap) {
-    c.centredWith = partner;
+Control centredWith(Control c, const Utf8& partner, double gap) {
+    c.centredWith = partner.value;
     c.unitGap = gap;
     return c;
 }
 
-Control box(const QString& name, const QString& field, double left, double top, double width, double height,
+Control box(const Utf8& name, const Utf8& field, double left, double top, double width, double height,
             Grow grow = Fixed, FontSpec font = kRow, Align align = Align::Left) {
-    return textBox(name, field, left, top, width, height, grow == Grows, font, align);
+    return textBox(name.value, field.value, left, top, width, height, grow == Grows, font, align);
+}
+
+Control rule(const Utf8& name, double top, double left = 0, double width = W, double thickness = 0.8) {
+    return reports::rule(name.value, top, left, width, thickness);
 }
 
 ReportDesign design(const QString& name, const QString& title, const QString& dataMember,
@@ -69,8 +79,9 @@ Section reportHeader(double height = 0, QVector<Control> controls = {}) {
 Section pageHeader(double height, QVector<Control> controls = {}) {
     return section(QStringLiteral("PageHeader"), SectionKind::PageHeader, height, std::move(controls));
 }
-Section detail(const QString& command, double height, QVector<Control> controls) {
-    return section(command + QStringLiteral("_Detail"), SectionKind::Detail, height, std::move(controls));
+Section detail(const Utf8& command, double height, QVector<Control> controls) {
+    return section(command.value + QStringLiteral("_Detail"), SectionKind::Detail, height,
+                   std::move(controls));
 }
 Section pageFooter(double height, QVector<Control> controls = {}) {
     return section(QStringLiteral("PageFooter"), SectionKind::PageFooter, height, std::move(controls));
@@ -80,9 +91,9 @@ Section reportFooter() {
 }
 
 // The page number of the lists, centred under a rule.
-Section numberedFooter(const QString& labelName, const QString& caption, const QString& ruleName) {
+Section numberedFooter(const Utf8& labelName, const Utf8& caption, const Utf8& ruleName) {
     QVector<Control> controls;
-    if (!ruleName.isEmpty())
+    if (!ruleName.value.isEmpty())
         controls << rule(ruleName, 8, 0, W, 0.5);
     controls << heading(labelName, caption, 0, 13, W, 12, kFooter, Align::Center);
     return pageFooter(28, controls);
@@ -164,7 +175,7 @@ ReportDesign RptContactList() {
                       box  ("txtRemarks",  "Remarks",  412,  3, W,   12, Grows),
                       rule ("Line3",                    58, 0, W, 0.4),
                   }),
-                  numberedFooter("Label6", "Page %p of %P", QString()),
+                  numberedFooter("Label6", "Page %p of %P", ""),
                   reportFooter());
 }
 
@@ -197,7 +208,7 @@ ReportDesign rptSearchReport() {
                       box ("txtFilePath",     "FilePath",     382, 15, W,   12, Grows),
                       rule("Line3",                            30, 0, W, 0.4),
                   }),
-                  numberedFooter("Label6", "%p of %P", QString()),
+                  numberedFooter("Label6", "%p of %P", ""),
                   reportFooter());
 }
 

@@ -95,7 +95,7 @@ QFont loadFace(const FontSpec& spec) {
     const QStringList families = id < 0 ? QStringList() : QFontDatabase::applicationFontFamilies(id);
     if (!loaded.isValid() || families.isEmpty())
         faceFailed(spec);
-    const QString family = families.first();
+    const QString& family = families.first();
     // When a machine font of another maker bears the same family name, Qt lists the family
     // once per maker, as "Family [Maker]": the name to use is the one that resolves to the
     // face loaded, which is checked down to its header (the revision and the date the face
@@ -298,7 +298,7 @@ QString clipToWidth(const QString& text, const FontSpec& font, double width) {
     normalised.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
         .replace(QLatin1Char('\r'), QLatin1Char('\n'));
     const qsizetype end = normalised.indexOf(QLatin1Char('\n'));
-    const QString line = end < 0 ? normalised : normalised.left(end);
+    QString line = end < 0 ? normalised : normalised.left(end);
     const bool moreLines = end >= 0 && !normalised.mid(end).trimmed().isEmpty();
     if (!moreLines && advance(line, font) <= width)
         return line;
@@ -501,7 +501,7 @@ class Paginator {
                 (itemBottom(item) <= avail + 1e-6 ? now : later).append(item);
             if (now.isEmpty() && !later.isEmpty()) {
                 auto first =
-                    std::min_element(later.begin(), later.end(), [](const PageItem& a, const PageItem& b) {
+                    std::min_element(later.cbegin(), later.cend(), [](const PageItem& a, const PageItem& b) {
                         return a.rect.top() < b.rect.top();
                     });
                 now.append(*first);
