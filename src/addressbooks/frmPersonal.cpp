@@ -40,7 +40,7 @@ QWidget* frmPersonal::build() {
 void frmPersonal::Form_Load() {
     prepareWindow();
     EditMode = false;
-    readAtLoad(false, [this] {
+    readAtLoad(Pointer::Unchanged, [this] {
         EditMode = GenMod::RecordExists(QStringLiteral("*"), QStringLiteral("Personal"));
         if (EditMode)
             LoadPersonal();

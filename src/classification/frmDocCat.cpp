@@ -34,7 +34,7 @@ QWidget* frmDocCat::build() {
 
 void frmDocCat::Form_Load() {
     prepareWindow();
-    readAtLoad(true, [this] {
+    readAtLoad(Pointer::Hourglass, [this] {
         FieldCaptions::Apply({
             FieldCaptions::label(ui.lblDocCategory, QStringLiteral("DocCat"),
                                  QStringLiteral("Document Category :")),

@@ -39,7 +39,7 @@ QWidget* frmDocChildCat::build() {
 void frmDocChildCat::Form_Load() {
     prepareWindow();
     // No hourglass on this screen. The sub-categories wait for a choice of category.
-    readAtLoad(false, [this] {
+    readAtLoad(Pointer::Unchanged, [this] {
         GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
                           QStringLiteral("DocumentCategory order by DocCategory"), ui.cboDocCategory);
         FieldCaptions::Apply({

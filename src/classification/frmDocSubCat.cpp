@@ -37,7 +37,7 @@ QWidget* frmDocSubCat::build() {
 void frmDocSubCat::Form_Load() {
     prepareWindow();
     // No hourglass on this screen.
-    readAtLoad(false, [this] {
+    readAtLoad(Pointer::Unchanged, [this] {
         GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
                           QStringLiteral("DocumentCategory order by DocCategory"), ui.cboDocCategory);
         FieldCaptions::Apply({

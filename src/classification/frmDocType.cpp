@@ -33,7 +33,7 @@ QWidget* frmDocType::build() {
 
 void frmDocType::Form_Load() {
     prepareWindow();
-    readAtLoad(true, [this] {
+    readAtLoad(Pointer::Hourglass, [this] {
         FieldCaptions::Apply({
             FieldCaptions::label(ui.lblDocType, QStringLiteral("DocType"), QStringLiteral("Document Type :")),
             FieldCaptions::formCaption(window(), QStringLiteral("DocType"), QStringLiteral("Document Type")),

@@ -121,7 +121,7 @@ void frmIndexDocument::Form_Load() {
         platform::setBuddy(label, label->buddy());
 
     // No hourglass on this screen. The lower two levels wait for a choice.
-    readAtLoad(false, [this] {
+    readAtLoad(Pointer::Unchanged, [this] {
         GenMod::FillCombo(QStringLiteral("TypeID,DocType"), QStringLiteral("DocumentType order by DocType"),
                           ui.cboDocType);
         GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
@@ -216,7 +216,6 @@ void frmIndexDocument::SaveDocument() {
     };
     steps.keyColumn = QStringLiteral("IndexID");
     steps.table = QStringLiteral("Vorlane");
-    steps.notesTransaction = true;
 
     // The values are read when the statement is built. The child category is read at the
     // position of the chosen category: a child list shorter than that fails here.

@@ -73,9 +73,21 @@ QWidget* frmSearchDocument::build() {
     grid->setVerticalSpacing(8);
     outer->addLayout(grid);
 
-    // Captions and fields in two columns: the lists at the left, the texts at the right, the
-    // two date ranges below them.
     QList<QWidget*> order;
+    buildCriteria(w, grid, order);
+    outer->addWidget(buildResultList(w), 1);
+    order << ui.lstList;
+    outer->addLayout(buildBottomRow(w, order));
+    for (int i = 1; i < order.size(); ++i)
+        QWidget::setTabOrder(order[i - 1], order[i]);
+    order.first()->setFocus();
+    connectHandlers();
+    return w;
+}
+
+// Captions and fields in two columns: the lists at the left, the texts at the right, the two
+// date ranges below them, and the Search button under the texts.
+void frmSearchDocument::buildCriteria(QWidget* w, QGridLayout* grid, QList<QWidget*>& order) {
     const auto row = [&](ui::Control<QLabel>& label, const char* caption, QWidget* field, int r, int c) {
         auto* made = label.make(w);
         made->setText(QString::fromLatin1(caption));
@@ -127,7 +139,9 @@ QWidget* frmSearchDocument::build() {
     search->setMinimumWidth(90);
     grid->addWidget(search, r, 3, Qt::AlignRight);
     order << search;
+}
 
+platform::ListView* frmSearchDocument::buildResultList(QWidget* w) {
     auto* list = ui.lstList.make(w);
     list->setToolTip(QStringLiteral("Double click a record to quickly view its contents"));
     list->setAccessibleName(QStringLiteral("Double click a record to quickly view its contents"));
@@ -140,9 +154,11 @@ QWidget* frmSearchDocument::build() {
         list->addColumn(QString::fromLatin1(header), width);
     list->header()->setSectionsMovable(false);
     list->header()->setStretchLastSection(false);
-    outer->addWidget(list, 1);
-    order << list;
+    return list;
+}
 
+// The count of the rows found, then the action buttons.
+QHBoxLayout* frmSearchDocument::buildBottomRow(QWidget* w, QList<QWidget*>& order) {
     auto* bottom = new QHBoxLayout;
     auto* count = ui.lblNoOfRecords.make(w);
     count->setText(QStringLiteral("(0 Record/s found)"));
@@ -155,12 +171,11 @@ QWidget* frmSearchDocument::build() {
         bottom->addWidget(button);
         order << button;
     }
-    outer->addLayout(bottom);
-    for (int i = 1; i < order.size(); ++i)
-        QWidget::setTabOrder(order[i - 1], order[i]);
-    order.first()->setFocus();
+    return bottom;
+}
 
-    connect(search, &QPushButton::clicked, this, [this] { untrapped([this] { cmdSearch_Click(); }); });
+void frmSearchDocument::connectHandlers() {
+    connect(ui.cmdSearch, &QPushButton::clicked, this, [this] { untrapped([this] { cmdSearch_Click(); }); });
     connect(ui.lstList, &platform::ListView::DblClick, this,
             [this] { untrapped([this] { lstList_DblClick(); }); });
     connect(ui.cboDocCategory, &platform::ComboBox::Click, this, [this] { cboDocCategory_Click(); });
@@ -169,14 +184,13 @@ QWidget* frmSearchDocument::build() {
     connect(ui.dtpDocTo, &platform::DatePicker::Change, this, [this] { dtpDocTo_Change(); });
     connect(ui.dtpFollowUpFrom, &platform::DatePicker::Change, this, [this] { dtpFollowUpFrom_Change(); });
     connect(ui.dtpFollowUpTo, &platform::DatePicker::Change, this, [this] { dtpFollowUpTo_Change(); });
-    return w;
 }
 
 void frmSearchDocument::Form_Load() {
     prepareWindow();
     ResetSearchForm();
     // This screen alone shortens the default names to "Doc.".
-    readAtLoad(false, [this] {
+    readAtLoad(Pointer::Unchanged, [this] {
         GenMod::FillCombo(QStringLiteral("TypeID, DocType"), QStringLiteral("DocumentType order by DocType"),
                           ui.cboDocType);
         GenMod::FillCombo(QStringLiteral("CatID, DocCategory"),
@@ -273,24 +287,39 @@ void frmSearchDocument::cmdSearch_Click() {
 
 // The statement over the documents and, beside it, the criteria as a sentence. Whether a
 // Where comes is decided on the texts as typed, blanks included; whether a text criterion
-// comes, on the trimmed text.
+// comes, on the trimmed text. Each criterion adds "<term> and " to the statement.
 QString frmSearchDocument::BuildSearchStatement() {
     QueryDescription.clear();
     QString statement =
         QStringLiteral("Select I.*,F.FileNumber from Vorlane I left join File F on F.FileID=I.FileID ");
+    if (anyCriterion())
+        statement += QStringLiteral("Where ");
+    addClassificationCriteria(statement);
+    addTextCriteria(statement);
+    addDateCriteria(statement);
+    if (ui.cboFileNo->ListIndex() != -1) {
+        statement += QStringLiteral("I.FileID=") + key(ui.cboFileNo) + QStringLiteral(" and ");
+        QueryDescription += QStringLiteral(" File Number : ") + TrimStr(ui.cboFileNo->Text());
+    }
+    if (statement.endsWith(QLatin1String("and ")))
+        statement.chop(4);
+    return statement + QStringLiteral(" order by I.DocDate");
+}
 
+bool frmSearchDocument::anyCriterion() const {
     const QList<platform::ComboBox*> combos = {ui.cboDocType, ui.cboDocCategory, ui.cboDocSubCategory,
                                                ui.cboDocChildCategory, ui.cboFileNo};
     const QList<QLineEdit*> texts = {ui.txtTitle1, ui.txtTitle2, ui.txtBookmark, ui.txtRemarks};
     const QList<platform::DatePicker*> pickers = {ui.dtpDocFrom, ui.dtpDocTo, ui.dtpFollowUpFrom,
                                                   ui.dtpFollowUpTo};
-    const bool any =
-        std::any_of(texts.begin(), texts.end(), [](auto* t) { return !t->text().isEmpty(); }) ||
-        std::any_of(pickers.begin(), pickers.end(), [](auto* p) { return !platform::IsNull(p->Value()); }) ||
-        std::any_of(combos.begin(), combos.end(), [](auto* c) { return c->ListIndex() != -1; });
-    if (any)
-        statement += QStringLiteral("Where ");
+    return std::any_of(texts.begin(), texts.end(), [](auto* t) { return !t->text().isEmpty(); }) ||
+           std::any_of(pickers.begin(), pickers.end(),
+                       [](auto* p) { return !platform::IsNull(p->Value()); }) ||
+           std::any_of(combos.begin(), combos.end(), [](auto* c) { return c->ListIndex() != -1; });
+}
 
+// The four levels of the classification; the type's sentence starts the description anew.
+void frmSearchDocument::addClassificationCriteria(QString& statement) {
     const auto chosen = [](const platform::ComboBox* combo) { return combo->ListIndex() >= 0; };
     const auto caption = [](const QLabel* label) { return TrimStr(label->text()); };
     if (chosen(ui.cboDocType)) {
@@ -307,7 +336,12 @@ QString frmSearchDocument::BuildSearchStatement() {
         statement += QString::fromLatin1(piece) + key(combo) + QStringLiteral(" and ");
         QueryDescription += QLatin1Char(' ') + caption(label) + QLatin1Char(' ') + TrimStr(combo->Text());
     }
-    // A "%" or "_" typed by the user acts as a wildcard; only the quote is treated.
+}
+
+// Contains-searches of the four texts. A "%" or "_" typed by the user acts as a wildcard; only
+// the quote is treated.
+void frmSearchDocument::addTextCriteria(QString& statement) {
+    const auto caption = [](const QLabel* label) { return TrimStr(label->text()); };
     const std::tuple<QLineEdit*, const char*, QString> likes[] = {
         {ui.txtTitle1, "I.Title1", caption(ui.lblTitle1)},
         {ui.txtTitle2, "I.Title2", caption(ui.lblTitle2)},
@@ -321,8 +355,11 @@ QString frmSearchDocument::BuildSearchStatement() {
                      QStringLiteral("%' and ");
         QueryDescription += QLatin1Char(' ') + name + QLatin1Char(' ') + text;
     }
-    // The statement writes two-digit years, the sentence four. The follow-up range's sentence
-    // reads the document-date pickers.
+}
+
+// The two date ranges. The statement writes two-digit years, the sentence four. The follow-up
+// range's sentence reads the document-date pickers.
+void frmSearchDocument::addDateCriteria(QString& statement) {
     const QVariant docFrom = ui.dtpDocFrom->Value();
     const QVariant docTo = ui.dtpDocTo->Value();
     if (!platform::IsNull(docFrom)) {
@@ -340,13 +377,6 @@ QString frmSearchDocument::BuildSearchStatement() {
         QueryDescription += QStringLiteral(" Follow-up date between : ") + dateText(docFrom, "dd-MMM-yyyy") +
                             QStringLiteral(" and ") + dateText(docTo, "dd-MMM-yyyy");
     }
-    if (ui.cboFileNo->ListIndex() != -1) {
-        statement += QStringLiteral("I.FileID=") + key(ui.cboFileNo) + QStringLiteral(" and ");
-        QueryDescription += QStringLiteral(" File Number : ") + TrimStr(ui.cboFileNo->Text());
-    }
-    if (statement.endsWith(QLatin1String("and ")))
-        statement.chop(4);
-    return statement + QStringLiteral(" order by I.DocDate");
 }
 
 // The rows show as they arrive. A refused statement leaves the old rows; a Null (a document

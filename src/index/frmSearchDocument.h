@@ -2,14 +2,16 @@
 
 #include "session/EditCycle.h"
 
+#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 
 // Finds documents by any mix of eleven criteria, lists them and prints the list with the
 // criteria written out as a sentence above it. Every user may search; the screen writes
-// nothing but the rows of the printed list. It has no row of its own to edit, but shares the
-// record screens' window set-up and their array of action buttons.
-class frmSearchDocument : public RecordForm {
+// nothing but the rows of the printed list. It has no row of its own to edit: it has the
+// record screens' window set-up and array of action buttons, not their edit cycle.
+class frmSearchDocument : public CommandForm {
     Q_OBJECT
   public:
     static frmSearchDocument& instance();
@@ -38,6 +40,17 @@ class frmSearchDocument : public RecordForm {
 
   private:
     frmSearchDocument() = default;
+
+    // The steps of build.
+    void buildCriteria(QWidget* w, QGridLayout* grid, QList<QWidget*>& order);
+    platform::ListView* buildResultList(QWidget* w);
+    QHBoxLayout* buildBottomRow(QWidget* w, QList<QWidget*>& order);
+    void connectHandlers();
+    // The steps of BuildSearchStatement.
+    bool anyCriterion() const;
+    void addClassificationCriteria(QString& statement);
+    void addTextCriteria(QString& statement);
+    void addDateCriteria(QString& statement);
 
     // The controls, each under its object name.
     struct Controls {

@@ -212,7 +212,6 @@ void frmLoginDetails::SaveUser() {
                QStringLiteral(",Modify=") + number(value(ui.chkEdit)) + QStringLiteral(",UpdatedBy=") +
                number(Session::CurrentUserID) + QStringLiteral(" where UserID=") + number(CurrentRowID);
     };
-    steps.notesTransaction = true;
     steps.reset = [this] { ResetUserForm(); };
     saveRecord(steps);
 }

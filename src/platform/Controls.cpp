@@ -82,7 +82,7 @@ void CommandButton::keyPressEvent(QKeyEvent* event) {
     QPushButton::keyPressEvent(event);
 }
 
-// ---- ComboBox
+// ---- KeyedItems, ComboBox
 
 namespace {
 
@@ -123,6 +123,40 @@ QAccessibleInterface* comboBoxAccessible(const QString& className, QObject* obje
 
 } // namespace
 
+void KeyedItems::checkIndex(int index) const {
+    if (index < 0 || index >= itemCount())
+        throw invalidIndex();
+}
+
+void KeyedItems::setListIndex(int index) {
+    if (index != -1)
+        checkIndex(index);
+    choose(index);
+}
+
+int KeyedItems::AddItem(const QString& text) {
+    const int at =
+        m_sorted ? sortedPosition(text, itemCount(), [this](int i) { return textAt(i); }) : itemCount();
+    insertAt(at, text);
+    m_newIndex = at;
+    return m_newIndex;
+}
+
+qint32 KeyedItems::ItemData(int index) const {
+    checkIndex(index);
+    return dataAt(index).toInt();
+}
+
+void KeyedItems::setItemData(int index, qint32 value) {
+    checkIndex(index);
+    setDataAt(index, value);
+}
+
+void KeyedItems::Clear() {
+    removeAll();
+    m_newIndex = -1;
+}
+
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
     static const bool announced = [] {
         QAccessible::installFactory(comboBoxAccessible);
@@ -134,36 +168,24 @@ ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
     connect(this, &QComboBox::activated, this, [this](int) { emit Click(); });
 }
 
-void ComboBox::setListIndex(int index) {
-    if (index < -1 || index >= count())
-        throw invalidIndex();
-    setCurrentIndex(index);
-    emit Click();
-}
-
-int ComboBox::AddItem(const QString& text) {
+void ComboBox::insertAt(int index, const QString& text) {
     const bool wasEmpty = count() == 0;
-    const int at = m_sorted ? sortedPosition(text, count(), [this](int i) { return itemText(i); }) : count();
-    insertItem(at, text);
+    insertItem(index, text);
     if (wasEmpty) // a filled list has nothing chosen until someone chooses
         setCurrentIndex(-1);
-    m_newIndex = at;
-    return m_newIndex;
 }
 
-qint32 ComboBox::ItemData(int index) const {
-    if (index < 0 || index >= count())
-        throw invalidIndex();
-    return itemData(index, ItemDataRole).toInt();
+QVariant ComboBox::dataAt(int index) const {
+    return itemData(index, ItemDataRole);
 }
 
-void ComboBox::setItemData(int index, qint32 value) {
+void ComboBox::setDataAt(int index, const QVariant& value) {
     QComboBox::setItemData(index, value, ItemDataRole);
 }
 
-void ComboBox::Clear() {
-    clear();
-    m_newIndex = -1;
+void ComboBox::choose(int index) {
+    setCurrentIndex(index);
+    emit Click();
 }
 
 // ---- ListBox
@@ -174,36 +196,17 @@ ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
     connect(this, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem*) { emit DblClick(); });
 }
 
-void ListBox::setListIndex(int index) {
-    if (index < -1 || index >= count())
-        throw invalidIndex();
-    setCurrentRow(index);
-    emit Click();
+QVariant ListBox::dataAt(int index) const {
+    return item(index)->data(ItemDataRole);
 }
 
-int ListBox::AddItem(const QString& text) {
-    const int at =
-        m_sorted ? sortedPosition(text, count(), [this](int i) { return item(i)->text(); }) : count();
-    insertItem(at, text);
-    m_newIndex = at;
-    return m_newIndex;
-}
-
-qint32 ListBox::ItemData(int index) const {
-    if (index < 0 || index >= count())
-        throw invalidIndex();
-    return item(index)->data(ItemDataRole).toInt();
-}
-
-void ListBox::setItemData(int index, qint32 value) {
-    if (index < 0 || index >= count())
-        throw invalidIndex();
+void ListBox::setDataAt(int index, const QVariant& value) {
     item(index)->setData(ItemDataRole, value);
 }
 
-void ListBox::Clear() {
-    clear();
-    m_newIndex = -1;
+void ListBox::choose(int index) {
+    setCurrentRow(index);
+    emit Click();
 }
 
 void ListBox::keyPressEvent(QKeyEvent* event) {

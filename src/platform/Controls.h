@@ -27,61 +27,84 @@ class CommandButton : public QPushButton {
     void keyPressEvent(QKeyEvent* event) override;
 };
 
-// A drop-down list whose items carry a number (ItemData). Setting ListIndex from code raises
-// Click at once, as a user's choice does, so that handlers nest as the screens expect.
-class ComboBox : public QComboBox {
-    Q_OBJECT
+// The items of a list that carry a number each (ItemData), as the drop-down lists and the list
+// boxes hold them. Setting ListIndex from code raises Click at once, as a user's choice does, so
+// that handlers nest as the screens expect. Indexes out of range throw platform::Error.
+class KeyedItems {
   public:
-    explicit ComboBox(QWidget* parent = nullptr);
-    int ListIndex() const { return currentIndex(); }
+    virtual ~KeyedItems() = default;
+    int ListIndex() const { return currentAt(); }
     void setListIndex(int index);
-    int ListCount() const { return count(); }
+    int ListCount() const { return itemCount(); }
     // A sorted list keeps its items in alphabetical order, without regard to case.
     bool Sorted() const { return m_sorted; }
     void setSorted(bool sorted) { m_sorted = sorted; }
     int AddItem(const QString& text); // returns NewIndex
     // The position at which the last AddItem put its item.
     int NewIndex() const { return m_newIndex; }
-    qint32 ItemData(int index) const; // throws platform::Error for an index out of range
+    qint32 ItemData(int index) const;
     void setItemData(int index, qint32 value);
-    QString Text() const { return currentText(); }
     void Clear();
-  signals:
-    void Click();
+
+  protected:
+    // What each kind of list does its own way.
+    virtual int itemCount() const = 0;
+    virtual int currentAt() const = 0;
+    virtual QString textAt(int index) const = 0;
+    virtual void insertAt(int index, const QString& text) = 0;
+    virtual QVariant dataAt(int index) const = 0;
+    virtual void setDataAt(int index, const QVariant& value) = 0;
+    virtual void removeAll() = 0;
+    // Makes `index` the current item (-1: none) and raises Click.
+    virtual void choose(int index) = 0;
 
   private:
+    void checkIndex(int index) const;
     int m_newIndex = -1;
     bool m_sorted = false;
 };
 
-// A list box whose items carry a number (ItemData), with Click on selection from code
-// and DblClick from the user.
-class ListBox : public QListWidget {
+// A drop-down list whose items carry a number.
+class ComboBox : public QComboBox, public KeyedItems {
+    Q_OBJECT
+  public:
+    explicit ComboBox(QWidget* parent = nullptr);
+    using KeyedItems::setItemData;
+    QString Text() const { return currentText(); }
+  signals:
+    void Click();
+
+  protected:
+    int itemCount() const override { return count(); }
+    int currentAt() const override { return currentIndex(); }
+    QString textAt(int index) const override { return itemText(index); }
+    void insertAt(int index, const QString& text) override;
+    QVariant dataAt(int index) const override;
+    void setDataAt(int index, const QVariant& value) override;
+    void removeAll() override { clear(); }
+    void choose(int index) override;
+};
+
+// A list box whose items carry a number, with Click on selection from code and DblClick from
+// the user.
+class ListBox : public QListWidget, public KeyedItems {
     Q_OBJECT
   public:
     explicit ListBox(QWidget* parent = nullptr);
-    int ListIndex() const { return currentRow(); }
-    void setListIndex(int index);
-    int ListCount() const { return count(); }
-    // A sorted list keeps its items in alphabetical order, without regard to case.
-    bool Sorted() const { return m_sorted; }
-    void setSorted(bool sorted) { m_sorted = sorted; }
-    int AddItem(const QString& text); // returns NewIndex
-    // The position at which the last AddItem put its item.
-    int NewIndex() const { return m_newIndex; }
-    qint32 ItemData(int index) const; // throws platform::Error for an index out of range
-    void setItemData(int index, qint32 value);
-    void Clear();
   signals:
     void Click();
     void DblClick();
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
-
-  private:
-    int m_newIndex = -1;
-    bool m_sorted = false;
+    int itemCount() const override { return count(); }
+    int currentAt() const override { return currentRow(); }
+    QString textAt(int index) const override { return item(index)->text(); }
+    void insertAt(int index, const QString& text) override { insertItem(index, text); }
+    QVariant dataAt(int index) const override;
+    void setDataAt(int index, const QVariant& value) override;
+    void removeAll() override { clear(); }
+    void choose(int index) override;
 };
 
 // The rows of a list view, as texts by row and column. The view asks only for the rows it

@@ -324,55 +324,50 @@ double controlWidth(const Control& c, double bodyWidth) {
 
 constexpr double kKeptGap = 3.0;
 
-Band buildBand(const Section& section, const ReportData* data, int row, double bodyWidth) {
-    Band band;
-    const int n = int(section.controls.size());
-    struct Placed {
-        const Control* control;
-        double left;
-        double width;
-        Align align;
-        QString text;
-        QStringList lines;
-        double lineHeight = 0;
-        double growth = 0;
-        double shift = 0;
-    };
-    QVector<Placed> placed;
-    placed.reserve(n);
-    double designBottom = 0;
-    for (const Control& c : section.controls) {
-        Placed p{&c, controlLeft(c, bodyWidth), controlWidth(c, bodyWidth), c.align, {}, {}};
-        designBottom = std::max(designBottom, c.top + c.height);
-        if (c.kind != ControlKind::Line) {
-            p.text = c.kind == ControlKind::Label ? c.caption
-                     : data                       ? data->value(row, c.dataField)
-                                                  : QString();
-            p.lineHeight = lineHeight(c.font);
-            if (c.canGrow) {
-                p.lines = wrapText(p.text, c.font, p.width);
-                p.growth = std::max(0.0, p.lines.size() * p.lineHeight - c.height);
-            } else if (c.height >= 2 * p.lineHeight) {
-                // A fixed box of several lines wraps inside itself; what it cannot hold is cut
-                // with a mark at the end of its last line.
-                p.lines = wrapText(p.text, c.font, p.width);
-                const int fit = std::max(1, int(std::floor(c.height / p.lineHeight + 1e-6)));
-                if (p.lines.size() > fit) {
-                    const bool lost = std::any_of(p.lines.begin() + fit, p.lines.end(),
-                                                  [](const QString& l) { return !l.isEmpty(); });
-                    p.lines.resize(fit);
-                    if (lost)
-                        p.lines.last() = cutWithMark(p.lines.last(), c.font, p.width);
-                }
-            } else {
-                p.lines = QStringList{clipToWidth(p.text, c.font, p.width)};
-            }
-        }
-        placed.append(p);
-    }
+// A control of a band as it is laid out: where it stands and the lines it shows.
+struct Placed {
+    const Control* control;
+    double left;
+    double width;
+    Align align;
+    QString text;
+    QStringList lines;
+    double lineHeight = 0;
+    double growth = 0;
+    double shift = 0;
+};
 
-    // A control centred with a partner: the two stand side by side as one unit, each as wide
-    // as its text and the gap between them, centred in the span of their two design boxes.
+// A control at its design place with its text in lines: a growing box wraps and grows, a
+// fixed box of several lines wraps inside itself, any other shows one clipped line.
+Placed placeControl(const Control& c, const ReportData* data, int row, double bodyWidth) {
+    Placed p{&c, controlLeft(c, bodyWidth), controlWidth(c, bodyWidth), c.align, {}, {}};
+    if (c.kind == ControlKind::Line)
+        return p;
+    p.text = c.kind == ControlKind::Label ? c.caption : data ? data->value(row, c.dataField) : QString();
+    p.lineHeight = lineHeight(c.font);
+    if (c.canGrow) {
+        p.lines = wrapText(p.text, c.font, p.width);
+        p.growth = std::max(0.0, p.lines.size() * p.lineHeight - c.height);
+    } else if (c.height >= 2 * p.lineHeight) {
+        // What the box cannot hold is cut with a mark at the end of its last line.
+        p.lines = wrapText(p.text, c.font, p.width);
+        const int fit = std::max(1, int(std::floor(c.height / p.lineHeight + 1e-6)));
+        if (p.lines.size() > fit) {
+            const bool lost = std::any_of(p.lines.begin() + fit, p.lines.end(),
+                                          [](const QString& l) { return !l.isEmpty(); });
+            p.lines.resize(fit);
+            if (lost)
+                p.lines.last() = cutWithMark(p.lines.last(), c.font, p.width);
+        }
+    } else {
+        p.lines = QStringList{clipToWidth(p.text, c.font, p.width)};
+    }
+    return p;
+}
+
+// A control centred with a partner: the two stand side by side as one unit, each as wide as
+// its text and the gap between them, centred in the span of their two design boxes.
+void centrePartners(QVector<Placed>& placed) {
     for (Placed& first : placed) {
         const Control& c = *first.control;
         if (c.centredWith.isEmpty())
@@ -398,8 +393,11 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
         second.width = secondWidth;
         first.align = second.align = Align::Left;
     }
+}
 
-    // A box that grows pushes down whatever stands below it in the same columns.
+// A box that grows pushes down whatever stands below it in the same columns.
+void pushDownBelowGrowth(const Section& section, QVector<Placed>& placed) {
+    const int n = int(placed.size());
     QVector<int> order(n);
     for (int i = 0; i < n; ++i)
         order[i] = i;
@@ -419,36 +417,54 @@ Band buildBand(const Section& section, const ReportData* data, int row, double b
                 p.shift = std::max(p.shift, q.shift + q.growth - std::max(0.0, gap - kKeptGap));
         }
     }
+}
 
+// The items of one placed control: a line, or one item for each line of text that is not empty.
+void addItems(const Section& section, const Placed& p, double top, QVector<PageItem>& items) {
+    const Control& c = *p.control;
+    if (c.kind == ControlKind::Line) {
+        PageItem item;
+        item.kind = ControlKind::Line;
+        item.control = c.name;
+        item.section = section.name;
+        item.rect = QRectF(p.left, top, p.width, c.height);
+        item.lineWidth = c.lineWidth;
+        items.append(item);
+        return;
+    }
+    for (int k = 0; k < p.lines.size(); ++k) {
+        if (p.lines[k].isEmpty())
+            continue;
+        PageItem item;
+        item.kind = c.kind;
+        item.control = c.name;
+        item.section = section.name;
+        item.rect = QRectF(p.left, top + k * p.lineHeight, p.width, p.lineHeight);
+        item.text = p.lines[k];
+        item.font = c.font;
+        item.align = p.align;
+        items.append(item);
+    }
+}
+
+Band buildBand(const Section& section, const ReportData* data, int row, double bodyWidth) {
+    QVector<Placed> placed;
+    placed.reserve(section.controls.size());
+    double designBottom = 0;
+    for (const Control& c : section.controls) {
+        placed.append(placeControl(c, data, row, bodyWidth));
+        designBottom = std::max(designBottom, c.top + c.height);
+    }
+    centrePartners(placed);
+    pushDownBelowGrowth(section, placed);
+
+    Band band;
     const double padding = std::max(0.0, section.height - designBottom);
     band.height = section.height;
     for (const Placed& p : placed) {
-        const Control& c = *p.control;
-        const double top = c.top + p.shift;
-        band.height = std::max(band.height, top + c.height + p.growth + padding);
-        if (c.kind == ControlKind::Line) {
-            PageItem item;
-            item.kind = ControlKind::Line;
-            item.control = c.name;
-            item.section = section.name;
-            item.rect = QRectF(p.left, top, p.width, c.height);
-            item.lineWidth = c.lineWidth;
-            band.items.append(item);
-            continue;
-        }
-        for (int k = 0; k < p.lines.size(); ++k) {
-            if (p.lines[k].isEmpty())
-                continue;
-            PageItem item;
-            item.kind = c.kind;
-            item.control = c.name;
-            item.section = section.name;
-            item.rect = QRectF(p.left, top + k * p.lineHeight, p.width, p.lineHeight);
-            item.text = p.lines[k];
-            item.font = c.font;
-            item.align = p.align;
-            band.items.append(item);
-        }
+        const double top = p.control->top + p.shift;
+        band.height = std::max(band.height, top + p.control->height + p.growth + padding);
+        addItems(section, p, top, band.items);
     }
     return band;
 }

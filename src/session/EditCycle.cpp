@@ -12,7 +12,7 @@
 
 using platform::MsgBox;
 
-QList<QPushButton*> RecordForm::createCmdButtons(QWidget* parent, const QStringList& captions) {
+QList<QPushButton*> CommandForm::createCmdButtons(QWidget* parent, const QStringList& captions) {
     QList<QPushButton*> buttons;
     for (int i = 0; i < captions.size(); ++i) {
         auto* button = cmd.make(parent, i);
@@ -27,7 +27,8 @@ QStringList RecordForm::editCaptions() {
     return {QStringLiteral("Reset"), QStringLiteral("Edit"), QStringLiteral("Save"), QStringLiteral("Close")};
 }
 
-void RecordForm::readAtLoad(bool hourglass, const std::function<void()>& read) {
+void CommandForm::readAtLoad(Pointer pointer, const std::function<void()>& read) {
+    const bool hourglass = pointer == Pointer::Hourglass;
     try {
         if (hourglass)
             platform::setMousePointer(platform::vbHourglass);
@@ -45,7 +46,7 @@ void RecordForm::readAtLoad(bool hourglass, const std::function<void()>& read) {
     fitWindow();
 }
 
-void RecordForm::fitWindow() {
+void CommandForm::fitWindow() {
     QWidget* w = window();
     if (!w)
         return;
@@ -134,7 +135,7 @@ bool RecordForm::saveRecord(const SaveSteps& steps) {
             return false;
         // The write lock is taken here, so two seats cannot read the same maximum key.
         GenMod::Conn->BeginTrans();
-        InTransaction = steps.notesTransaction;
+        InTransaction = true;
 
         if (!steps.duplicateFields.isEmpty() &&
             GenMod::RecordExists(steps.duplicateFields, steps.duplicateSource())) {
@@ -165,9 +166,9 @@ bool RecordForm::saveRecord(const SaveSteps& steps) {
     return true;
 }
 
-void RecordForm::refillBelow(const platform::ComboBox* parent, const QString& fields,
-                             const QString& sourceBefore, const QString& sourceAfter,
-                             platform::ComboBox* target) {
+void CommandForm::refillBelow(const platform::ComboBox* parent, const QString& fields,
+                              const QString& sourceBefore, const QString& sourceAfter,
+                              platform::ComboBox* target) {
     if (parent->ListIndex() == -1)
         return;
     try {
@@ -182,7 +183,7 @@ void RecordForm::refillBelow(const platform::ComboBox* parent, const QString& fi
     }
 }
 
-void RecordForm::untrapped(const std::function<void()>& handler) {
+void CommandForm::untrapped(const std::function<void()>& handler) {
     try {
         handler();
     } catch (const platform::Error& e) {

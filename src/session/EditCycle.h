@@ -16,23 +16,57 @@ namespace platform {
 class ListBox;
 }
 
+// A child screen with an array of action buttons cmd(0)..cmd(n) that dispatch to one
+// cmd_Click, and the steps its handlers share: reading the pick lists at load, refilling a
+// pick list one level down, and the outermost guard of a handler.
+class CommandForm : public Form {
+    Q_OBJECT
+  public:
+    // The action buttons cmd(0), cmd(1), ... of the loaded window; nullptr while unloaded.
+    UI_CONTROL_ARRAY(platform::CommandButton, cmd);
+    // The screen's action buttons dispatch here with their index.
+    virtual void cmd_Click(int index) = 0;
+
+  protected:
+    CommandForm() : Form(true) {}
+
+    // Creates the action buttons cmd(0)..cmd(n) with these captions, wired to cmd_Click.
+    QList<QPushButton*> createCmdButtons(QWidget* parent, const QStringList& captions);
+    // Lets the window grow to fit captions that changed after it was built.
+    void fitWindow();
+
+    // Whether the mouse pointer shows the hourglass while the load reads.
+    enum class Pointer { Hourglass, Unchanged };
+    // The reading part of Form_Load: on a connection of its own, `read` fills the pick lists
+    // and applies the captions. An error is shown with the critical icon and leaves the
+    // controls as far as they got. The window then grows to fit what was read.
+    void readAtLoad(Pointer pointer, const std::function<void()>& read);
+
+    // A pick list's click refilling the list one level down: nothing while `parent` has no
+    // choice; else, on a connection of its own, `target` gets the rows of `fields` from
+    // `sourceBefore` + the chosen key + `sourceAfter`. Errors: critical icon, the connection
+    // is left to the next operation.
+    static void refillBelow(const platform::ComboBox* parent, const QString& fields,
+                            const QString& sourceBefore, const QString& sourceAfter,
+                            platform::ComboBox* target);
+
+    // The outermost guard of a handler that has no trap of its own (such as a list's double
+    // click): an error ends the handler with its text and the critical icon.
+    static void untrapped(const std::function<void()>& handler);
+};
+
 // The edit cycle of the record screens: a screen keeps one row of a table at a time, new
 // (EditMode false) or loaded from its list (EditMode true), and its buttons cmd(0)..cmd(n)
 // run Reset, Edit, Save and Close. The steps and their order live here once; each screen
 // keeps its own routines (ResetTypeForm, ShowTypeList, SaveType, LoadType, ...) that hand
 // these steps its statements, messages and controls.
-class RecordForm : public Form {
+class RecordForm : public CommandForm {
     Q_OBJECT
   public:
     // True while a loaded row is being edited: Save updates it. Survives Close.
     bool EditMode = false;
     // Key of the loaded row, or of the row a new Save writes; 0 after a reset.
     qint32 CurrentRowID = 0;
-
-    // The action buttons cmd(0), cmd(1), ... of the loaded window; nullptr while unloaded.
-    UI_CONTROL_ARRAY(platform::CommandButton, cmd);
-    // The screen's action buttons dispatch here with their index.
-    virtual void cmd_Click(int index) = 0;
 
     // One required field: the test of its (trimmed) value and the message when it is missing.
     // Where a control is named, the focus goes to it after the message, when it is enabled.
@@ -54,27 +88,13 @@ class RecordForm : public Form {
         QString table;
         std::function<QString()> insertStatement;
         std::function<QString()> updateStatement;
-        // Whether the error path rolls back explicitly; either way the release of the
-        // connection discards what was not committed.
-        bool notesTransaction = false;
         QString savedMessage = QStringLiteral("Saved Successfully.");
         std::function<void()> reset; // the screen's Reset, after a successful save
     };
 
   protected:
-    RecordForm() : Form(true) {}
-
-    // Creates the action buttons cmd(0)..cmd(n) with these captions, wired to cmd_Click.
-    QList<QPushButton*> createCmdButtons(QWidget* parent, const QStringList& captions);
     // The captions of cmd(0)..cmd(3) on the record screens.
     static QStringList editCaptions();
-    // Lets the window grow to fit captions that changed after it was built.
-    void fitWindow();
-    // The reading part of Form_Load: on a connection of its own, `read` fills the pick lists
-    // and applies the captions; with `hourglass` the pointer shows it. An error is shown with
-    // the critical icon and leaves the controls as far as they got. The window then grows to
-    // fit what was read.
-    void readAtLoad(bool hourglass, const std::function<void()>& read);
 
     // Reset: hide the list, run the screen's clear routine, leave EditMode.
     void resetRecord(QWidget* list, const std::function<void()>& clearFields);
@@ -95,16 +115,4 @@ class RecordForm : public Form {
     // The key of a list box's chosen row as its double click hands it on: through a 16-bit
     // value. Nothing for an empty list; throws for no choice or a key beyond 16 bits.
     static std::optional<qint16> chosenKey(const platform::ListBox* list);
-
-    // A pick list's click refilling the list one level down: nothing while `parent` has no
-    // choice; else, on a connection of its own, `target` gets the rows of `fields` from
-    // `sourceBefore` + the chosen key + `sourceAfter`. Errors: critical icon, the connection
-    // is left to the next operation.
-    static void refillBelow(const platform::ComboBox* parent, const QString& fields,
-                            const QString& sourceBefore, const QString& sourceAfter,
-                            platform::ComboBox* target);
-
-    // The outermost guard of a handler that has no trap of its own (such as a list's double
-    // click): an error ends the handler with its text and the critical icon.
-    static void untrapped(const std::function<void()>& handler);
 };
