@@ -1,8 +1,10 @@
 #include "Engine.h"
 
-#include "Dialect.h"
+#include "Errors.h"
 #include "OdbcSource.h"
-#include "SqliteEngine.h"
+#include "datastore/postgres/PostgresEngine.h"
+#include "datastore/sqlite/SqliteDialect.h"
+#include "datastore/sqlite/SqliteEngine.h"
 
 #include <QDate>
 
@@ -46,13 +48,56 @@ std::unique_ptr<Cursor> Engine::query(const QString& text) {
     return std::make_unique<ReadCursor>(select(text));
 }
 
+void Engine::createSchema(const QString& dataSource, const QString&, const QString&) {
+    throw platform::Error(
+        ErrDataSourceNotFound,
+        QStringLiteral("The data source %1 cannot be set up by this program.").arg(dataSource));
+}
+
+EngineKind chooseEngine(const QString& dataSource, const QString& dbms) {
+    const bool sqlite = dbms.contains(QLatin1String("sqlite"), Qt::CaseInsensitive);
+    if (dataSource.isEmpty() && sqlite)
+        return EngineKind::Sqlite;
+    if (sqlite)
+        throw platform::Error(ErrDataSourceNotFound,
+                              QStringLiteral("The data source %1 runs on SQLite through ODBC, which this "
+                                             "program does not use: remove the data source to use the "
+                                             "database file directly.")
+                                  .arg(dataSource));
+    if (!dataSource.isEmpty() && dbms.contains(QLatin1String("postgres"), Qt::CaseInsensitive))
+        return EngineKind::Postgres;
+    throw platform::Error(ErrDataSourceNotFound,
+                          QStringLiteral("The data source %1 runs on %2, which this program cannot use.")
+                              .arg(dataSource, dbms.isEmpty() ? QStringLiteral("an unknown engine") : dbms));
+}
+
 std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& user, const QString& password,
                                    int timeoutSeconds) {
     if (testFactory())
         return testFactory()(dataSource);
     if (odbcKnows(dataSource))
         return openOdbcSource(dataSource, user, password);
+    switch (chooseEngine(QString(), QStringLiteral("SQLite"))) {
+    case EngineKind::Sqlite:
+        break;
+    case EngineKind::Postgres:
+        Q_UNREACHABLE();
+    }
     return SqliteEngine::openEmbedded(timeoutSeconds);
+}
+
+std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user, const QString& password) {
+    OdbcConnection connection = connectOdbcSource(name, user, password);
+    std::unique_ptr<QtSqlEngine> engine;
+    switch (chooseEngine(name, connection.dbms)) {
+    case EngineKind::Sqlite:
+        Q_UNREACHABLE();
+    case EngineKind::Postgres:
+        engine = std::make_unique<PostgresEngine>(std::move(connection.store));
+        break;
+    }
+    engine->keepWhenDone(connection.key);
+    return engine;
 }
 
 const Dialect& defaultDialect() {
