@@ -7,6 +7,7 @@
 #include "datastore/sqlite/SqliteEngine.h"
 
 #include <QDate>
+#include <optional>
 
 namespace db {
 
@@ -71,33 +72,37 @@ EngineKind chooseEngine(const QString& dataSource, const QString& dbms) {
                               .arg(dataSource, dbms.isEmpty() ? QStringLiteral("an unknown engine") : dbms));
 }
 
+namespace {
+
+// Opens the engine that chooseEngine gives for the DBMS behind `odbc`, or for the embedded file,
+// which is SQLite's, without it.
+std::unique_ptr<Engine> openChosen(const QString& dataSource, std::optional<OdbcConnection> odbc,
+                                   int timeoutSeconds) {
+    switch (chooseEngine(odbc ? dataSource : QString(), odbc ? odbc->dbms : QStringLiteral("SQLite"))) {
+    case EngineKind::Sqlite:
+        return SqliteEngine::openEmbedded(timeoutSeconds);
+    case EngineKind::Postgres: {
+        auto engine = std::make_unique<PostgresEngine>(std::move(odbc.value().store));
+        engine->keepWhenDone(odbc->key);
+        return engine;
+    }
+    }
+    Q_UNREACHABLE();
+}
+
+} // namespace
+
 std::unique_ptr<Engine> openEngine(const QString& dataSource, const QString& user, const QString& password,
                                    int timeoutSeconds) {
     if (testFactory())
         return testFactory()(dataSource);
     if (odbcKnows(dataSource))
         return openOdbcSource(dataSource, user, password);
-    switch (chooseEngine(QString(), QStringLiteral("SQLite"))) {
-    case EngineKind::Sqlite:
-        break;
-    case EngineKind::Postgres:
-        Q_UNREACHABLE();
-    }
-    return SqliteEngine::openEmbedded(timeoutSeconds);
+    return openChosen(dataSource, std::nullopt, timeoutSeconds);
 }
 
 std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user, const QString& password) {
-    OdbcConnection connection = connectOdbcSource(name, user, password);
-    std::unique_ptr<QtSqlEngine> engine;
-    switch (chooseEngine(name, connection.dbms)) {
-    case EngineKind::Sqlite:
-        Q_UNREACHABLE();
-    case EngineKind::Postgres:
-        engine = std::make_unique<PostgresEngine>(std::move(connection.store));
-        break;
-    }
-    engine->keepWhenDone(connection.key);
-    return engine;
+    return openChosen(name, connectOdbcSource(name, user, password), -1);
 }
 
 const Dialect& defaultDialect() {
