@@ -5,9 +5,9 @@
 // index's triggers.
 //   vorlane_textsearch <office folder> [text ...]
 // The office folder is one that vorlane_bench made, e.g. build/bench-data/office-1000000.
-#include "datastore/Dialect.h"
 #include "datastore/Engine.h"
-#include "datastore/TextIndex.h"
+#include "datastore/sqlite/SqliteDialect.h"
+#include "datastore/sqlite/TextIndex.h"
 #include "platform/Error.h"
 #include "platform/TestHooks.h"
 

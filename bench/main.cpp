@@ -9,8 +9,8 @@
 #include "Office.h"
 #include "Process.h"
 #include "ServerOffice.h"
-#include "datastore/Dialect.h"
 #include "datastore/Engine.h"
+#include "datastore/postgres/PostgresDialect.h"
 
 #include <QCoreApplication>
 #include <QDir>

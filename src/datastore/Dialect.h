@@ -17,8 +17,8 @@ struct Token;
 //    them (sql::parseScreenDate); two-digit years 30-99 are 19xx, 00-29 are 20xx;
 //  - a quoted "dd/MMM/yyyy" text put into a date column by an Insert or an Update's set list is a
 //    date (the schema says which columns are dates), and a text there that is no date is refused;
-//  - `like` with '%' and '_', and '=' on texts, without regard to letter case; a `like` on one
-//    of the four texts of the documents may be served by their contains-search index;
+//  - `like` with '%' and '_', and '=' on texts, without regard to letter case; a `like` on a
+//    column that the schema marks for text search may be served by an index of the engine;
 //  - one statement per call: text after ';' is refused, and "--" or "/*" outside quotes
 //    are errors, not comments.
 // The engines share the translation of names, dates and texts; each adds what it writes
@@ -47,31 +47,6 @@ class Dialect {
   protected:
     // The rewrites of this engine for the tokens of one statement, by token index.
     virtual Rewrites rewrites(const QVector<sql::Token>& tokens) const = 0;
-};
-
-class SqliteDialect : public Dialect {
-  public:
-    // `textIndex`: the database has the contains-search index (TextIndex.h). Then a select's
-    // `like '<pattern>'` on Title1, Title2, Bookmark or Remarks of Vorlane, standing as a term of
-    // a where, on or having clause, looks its candidates up in the index when the pattern holds
-    // three characters in a row to look for, and still tests each of them with the like.
-    explicit SqliteDialect(bool textIndex = false) : m_textIndex(textIndex) {}
-    void setTextIndex(bool present) { m_textIndex = present; }
-    bool textIndex() const { return m_textIndex; }
-
-  protected:
-    Rewrites rewrites(const QVector<sql::Token>& tokens) const override;
-
-  private:
-    bool m_textIndex;
-};
-
-// PostgreSQL: the tables hold their texts as citext, so that '=' ignores letter case as the
-// screens expect. `like` becomes ILIKE, without an escape character, on the column as plain text
-// so that the trigram index of the four texts of the documents serves a contains-search.
-class PostgresDialect : public Dialect {
-  protected:
-    Rewrites rewrites(const QVector<sql::Token>& tokens) const override;
 };
 
 } // namespace db

@@ -69,7 +69,27 @@ class Engine {
     virtual void beginTransaction() = 0;
     virtual void commitTransaction() = 0;
     virtual void rollbackTransaction() = 0;
+
+    // Creates the tables of the schema, their indexes and the first user (UserID 1, level Modify,
+    // name and password given scrambled) in the empty database of the data source `dataSource`,
+    // after the engine's own checks of that database. An engine that is not set up this way
+    // refuses with ErrDataSourceNotFound.
+    virtual void createSchema(const QString& dataSource, const QString& scrambledUserName,
+                              const QString& scrambledPassword);
 };
+
+// The engines beneath a Connection. Each has its folder under src/datastore.
+enum class EngineKind {
+    Sqlite,  // the embedded file (sqlite/)
+    Postgres // a PostgreSQL server reached through ODBC (postgres/)
+};
+
+// The one choice of the engine: for the DBMS that names itself `dbms` (ODBC's SQL_DBMS_NAME),
+// reached through the ODBC data source `dataSource`, or, when `dataSource` is empty, the embedded
+// file. Throws ErrDataSourceNotFound with the reason for what this program does not use: SQLite
+// through ODBC (the program reads the file itself, with its own dates, letter case and text
+// index), or a DBMS it does not know.
+EngineKind chooseEngine(const QString& dataSource, const QString& dbms);
 
 // Opens the data source of that name: through ODBC when unixODBC knows it, otherwise the
 // embedded database file. `timeoutSeconds` bounds the wait for the store while opening.

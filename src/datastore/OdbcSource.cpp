@@ -1,9 +1,6 @@
 #include "OdbcSource.h"
 
-#include "Dialect.h"
 #include "Errors.h"
-#include "PostgresEngine.h"
-#include "QtSqlEngine.h"
 
 #include <QSqlDriver>
 #include <QSqlError>
@@ -88,18 +85,6 @@ bool odbcKnows(const QString& name) {
 
 namespace {
 
-// The engine for the DBMS behind the open `store`.
-std::unique_ptr<QtSqlEngine> engineFor(SqlStore store, const QString& name) {
-    const QString dbms = dbmsName(store.database());
-    if (dbms.contains(QLatin1String("sqlite"), Qt::CaseInsensitive))
-        return std::make_unique<QtSqlEngine>(std::move(store), std::make_unique<SqliteDialect>());
-    if (dbms.contains(QLatin1String("postgres"), Qt::CaseInsensitive))
-        return std::make_unique<PostgresEngine>(std::move(store));
-    throw platform::Error(ErrDataSourceNotFound,
-                          QStringLiteral("The data source %1 runs on %2, which this program cannot use.")
-                              .arg(name, dbms.isEmpty() ? QStringLiteral("an unknown engine") : dbms));
-}
-
 // A connection kept from an earlier engine that still answers: the server may have gone away
 // or restarted since.
 std::optional<SqlStore> answeringIdle(const QString& key) {
@@ -117,7 +102,7 @@ std::optional<SqlStore> answeringIdle(const QString& key) {
 
 } // namespace
 
-std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user, const QString& password) {
+OdbcConnection connectOdbcSource(const QString& name, const QString& user, const QString& password) {
     const QString key = name + QLatin1Char('\n') + user + QLatin1Char('\n') + password;
     std::optional<SqlStore> kept = answeringIdle(key);
     if (!kept) {
@@ -137,9 +122,8 @@ std::unique_ptr<Engine> openOdbcSource(const QString& name, const QString& user,
         }
         kept.emplace(std::move(store));
     }
-    auto engine = engineFor(std::move(*kept), name);
-    engine->keepWhenDone(key);
-    return engine;
+    QString dbms = dbmsName(kept->database());
+    return OdbcConnection{std::move(*kept), std::move(dbms), key};
 }
 
 } // namespace db

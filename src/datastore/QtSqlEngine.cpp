@@ -18,13 +18,10 @@ namespace db {
 
 namespace {
 
-QVariant convert(const QVariant& v, bool date) {
+// The driver types the values: a server's date column gives QDate.
+QVariant convert(const QVariant& v) {
     if (v.isNull())
         return QVariant();
-    if (date && v.typeId() == QMetaType::QString) {
-        const QDate d = QDate::fromString(v.toString(), Qt::ISODate);
-        return d.isValid() ? QVariant(d) : v;
-    }
     if (v.typeId() == QMetaType::Int || v.typeId() == QMetaType::LongLong)
         return QVariant(v.toLongLong());
     return v;
@@ -143,7 +140,7 @@ namespace {
 // A forward-only query of the driver: the driver reads a row when it is asked for one.
 class QtSqlCursor : public Cursor {
   public:
-    QtSqlCursor(QSqlQuery query, QVector<bool> dates) : m_query(std::move(query)), m_dates(std::move(dates)) {
+    explicit QtSqlCursor(QSqlQuery query) : m_query(std::move(query)) {
         const QSqlRecord record = m_query.record();
         for (int i = 0; i < record.count(); ++i)
             m_names << record.fieldName(i);
@@ -156,13 +153,10 @@ class QtSqlCursor : public Cursor {
             throw platform::Error(ErrStatement, QtSqlEngine::describe(m_query.lastError()));
         return false;
     }
-    QVariant value(int column) const override {
-        return convert(m_query.value(column), m_dates.value(column));
-    }
+    QVariant value(int column) const override { return convert(m_query.value(column)); }
 
   private:
     QSqlQuery m_query;
-    QVector<bool> m_dates;
     QStringList m_names;
 };
 
@@ -173,8 +167,7 @@ std::unique_ptr<Cursor> QtSqlEngine::query(const QString& text) {
     q.setForwardOnly(true);
     if (!q.exec(text))
         throw platform::Error(ErrStatement, describe(q.lastError()));
-    QVector<bool> dates = dateColumns(text, q.record().count());
-    return std::make_unique<QtSqlCursor>(std::move(q), std::move(dates));
+    return std::make_unique<QtSqlCursor>(std::move(q));
 }
 
 Rows QtSqlEngine::select(const QString& text) {
@@ -233,10 +226,6 @@ void QtSqlEngine::rollbackTransaction() {
     if (!database().rollback())
         throw platform::Error(ErrStatement, describe(database().lastError()));
     m_inTransaction = false;
-}
-
-QVector<bool> QtSqlEngine::dateColumns(const QString&, int count) {
-    return QVector<bool>(count, false);
 }
 
 } // namespace db

@@ -40,7 +40,8 @@ void clear();
 
 // An engine reached through a Qt SQL driver: statements, selects and inserts through the
 // driver, transactions through the driver's own. Dates go to the store as ISO text, the form in
-// which the dialects write date literals.
+// which the dialects write date literals, and come back as the driver types them: a driver that
+// gives a date column's values as texts needs an engine that reads them itself (SqliteEngine).
 class QtSqlEngine : public Engine {
   public:
     // `store` is open.
@@ -67,9 +68,6 @@ class QtSqlEngine : public Engine {
 
   protected:
     QSqlDatabase& database() { return m_store.database(); }
-    // Which result columns of `text` hold dates, for `count` columns. Without knowledge of
-    // its own an engine leaves the values as the driver types them.
-    virtual QVector<bool> dateColumns(const QString& text, int count);
 
   private:
     SqlStore m_store;

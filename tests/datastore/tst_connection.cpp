@@ -1,6 +1,6 @@
 #include "datastore/Ado.h"
-#include "datastore/Dialect.h"
 #include "datastore/Engine.h"
+#include "datastore/sqlite/SqliteDialect.h"
 #include "support/TestSupport.h"
 
 #include <QDate>
@@ -67,6 +67,7 @@ class ConnectionTest : public QObject {
     void statementsReachTheEngineTranslated();
     void recordsetReadsAndAddsThroughTheEngine();
     void releaseDiscardsAnOpenTransaction();
+    void engineIsChosenByTheDbms();
 
   private:
     db::ConnectionPtr open(const QString& connectionString = QStringLiteral("Vorlane"));
@@ -152,6 +153,21 @@ void ConnectionTest::releaseDiscardsAnOpenTransaction() {
     c.reset();
     QVERIFY(m_trace->closed);
     QVERIFY(m_trace->calls.isEmpty());
+}
+
+void ConnectionTest::engineIsChosenByTheDbms() {
+    QCOMPARE(int(db::chooseEngine(QString(), QStringLiteral("SQLite"))), int(db::EngineKind::Sqlite));
+    QCOMPARE(int(db::chooseEngine(QStringLiteral("Vorlane"), QStringLiteral("PostgreSQL"))),
+             int(db::EngineKind::Postgres));
+    // Through ODBC, SQLite would hand its dates back as texts and lack the file's letter case and
+    // text index.
+    QString why;
+    QCOMPARE(errorOf([] { db::chooseEngine(QStringLiteral("Vorlane"), QStringLiteral("SQLite")); }, &why),
+             db::ErrDataSourceNotFound);
+    QCOMPARE(why, QStringLiteral("The data source Vorlane runs on SQLite through ODBC, which this program "
+                                 "does not use: remove the data source to use the database file directly."));
+    QCOMPARE(errorOf([] { db::chooseEngine(QStringLiteral("Vorlane"), QStringLiteral("Oracle")); }),
+             db::ErrDataSourceNotFound);
 }
 
 QTEST_GUILESS_MAIN(ConnectionTest)

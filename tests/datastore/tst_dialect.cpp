@@ -1,5 +1,6 @@
-#include "datastore/Dialect.h"
 #include "datastore/Errors.h"
+#include "datastore/postgres/PostgresDialect.h"
+#include "datastore/sqlite/SqliteDialect.h"
 #include "support/TestSupport.h"
 
 #include <QLocale>

@@ -2,10 +2,10 @@
 // like finds reading every row, the index follows every writer, and a database made before it
 // gets it at its first open.
 #include "datastore/Ado.h"
-#include "datastore/Dialect.h"
 #include "datastore/Engine.h"
 #include "datastore/Schema.h"
-#include "datastore/TextIndex.h"
+#include "datastore/sqlite/SqliteDialect.h"
+#include "datastore/sqlite/TextIndex.h"
 #include "platform/MousePointer.h"
 #include "platform/TestHooks.h"
 

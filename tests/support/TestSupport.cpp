@@ -1,10 +1,10 @@
 #include "TestSupport.h"
 
 #include "datastore/Ado.h"
-#include "datastore/Dialect.h"
 #include "datastore/OdbcSource.h"
 #include "datastore/QtSqlEngine.h"
 #include "datastore/Schema.h"
+#include "datastore/postgres/PostgresDialect.h"
 #include "platform/Error.h"
 #include "session/EditCycle.h"
 #include "session/GenMod.h"

@@ -1,7 +1,7 @@
 #include "DateTexts.h"
 
-#include "DateText.h"
-#include "Schema.h"
+#include "datastore/DateText.h"
+#include "datastore/Schema.h"
 #include "platform/MousePointer.h"
 
 #include <QHash>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QtSqlEngine.h"
+#include "datastore/QtSqlEngine.h"
 
 struct sqlite3;
 

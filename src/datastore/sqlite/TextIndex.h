@@ -5,19 +5,17 @@
 
 struct sqlite3;
 
-// The contains-search index of the embedded file: a trigram full-text table over the four texts
-// of the documents (Title1, Title2, Bookmark, Remarks), kept by triggers on Vorlane, so that
-// `like '%text%'` on them need not read every document. It is no table of the system: the
-// schema's list of tables does not hold it.
+// The contains-search indexes of the embedded file: for each table with columns that the schema
+// marks for text search (Column::textSearch), a trigram full-text table over those columns, kept
+// by triggers on the table, so that `like '%text%'` on them need not read every row. They are no
+// tables of the system: the schema's list of tables does not hold them.
 namespace db {
 
-// The name of the full-text table.
-inline constexpr const char* TextIndexTable = "VorlaneText";
+// The name of the full-text table of `table` ("VorlaneText" for Vorlane).
+QString textIndexName(const QString& table);
 
-// True for the four columns of Vorlane that the index holds, in any letter case.
-bool isIndexedTextColumn(const QString& column);
-
-// The statements that create the index and its triggers, for a database whose Vorlane is empty.
+// The statements that create every table's index and its triggers, table by table (the full-text
+// table, then its insert, delete and update triggers), for a database whose tables are empty.
 QStringList textIndexStatements();
 
 // What openTextIndex found.
@@ -27,7 +25,7 @@ enum class TextIndexState {
     Unavailable // it is missing and could not be built (the file is read-only, or busy too long)
 };
 
-// Makes sure the database of `handle` has the index: a database made before it existed gets it
+// Makes sure the database of `handle` has every index: a database made before one existed gets it
 // built once, in one write transaction that tests again for it after taking the write lock, so
 // that two seats opening together build it once. The hourglass shows while it is built.
 // Never throws: a database that cannot get it goes on without it.

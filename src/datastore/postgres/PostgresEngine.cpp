@@ -1,7 +1,7 @@
 #include "PostgresEngine.h"
 
-#include "Dialect.h"
-#include "Errors.h"
+#include "PostgresDialect.h"
+#include "datastore/Errors.h"
 
 namespace db {
 

@@ -1,6 +1,6 @@
-#include "Dialect.h"
-#include "Schema.h"
-#include "SqlText.h"
+#include "PostgresDialect.h"
+#include "datastore/Schema.h"
+#include "datastore/SqlText.h"
 
 namespace db {
 

@@ -1,7 +1,7 @@
-#include "Dialect.h"
-#include "Schema.h"
-#include "SqlText.h"
+#include "SqliteDialect.h"
 #include "TextIndex.h"
+#include "datastore/Schema.h"
+#include "datastore/SqlText.h"
 
 #include <QHash>
 #include <QSet>
@@ -18,9 +18,9 @@ using sql::skipSpace;
 using sql::Token;
 using sql::TokenKind;
 
-// The contains-search index for `like` on the texts of the documents.
+// The contains-search indexes for `like` on the columns marked for text search.
 
-// Which qualifiers of the statement name Vorlane, and which other tables it reads. Every name of
+// Which tables the qualifiers of the statement name, and which tables it reads. Every name of
 // a table that is not part of a qualified column is taken for a use of that table.
 class TableUses {
   public:
@@ -43,24 +43,26 @@ class TableUses {
         }
     }
 
-    // `qualifier` names Vorlane, and nothing else, in this statement.
-    bool namesVorlane(const QString& qualifier) const {
+    // The one table that `qualifier` names in this statement, or an empty text.
+    QString tableOf(const QString& qualifier) const {
         const QSet<QString> tables = m_uses.value(qualifier.toLower());
-        return tables.size() == 1 && tables.contains(QStringLiteral("Vorlane"));
+        return tables.size() == 1 ? *tables.cbegin() : QString();
     }
 
-    // A column of that name standing without qualifier can only be Vorlane's.
-    bool onlyVorlaneHas(const QString& column) const {
-        if (!m_tables.contains(QStringLiteral("Vorlane")))
-            return false;
+    // The one table of this statement that has a column of that name, or an empty text: a column
+    // standing without qualifier can only be that table's.
+    QString onlyOwnerOf(const QString& column) const {
+        QString owner;
         for (const QString& name : m_tables) {
-            if (name == QLatin1String("Vorlane"))
-                continue;
-            for (const Column& c : findTable(name)->columns)
-                if (c.name.compare(column, Qt::CaseInsensitive) == 0)
-                    return false;
+            for (const Column& c : findTable(name)->columns) {
+                if (c.name.compare(column, Qt::CaseInsensitive) != 0)
+                    continue;
+                if (!owner.isEmpty())
+                    return QString();
+                owner = name;
+            }
         }
-        return true;
+        return owner;
     }
 
   private:
@@ -174,26 +176,28 @@ Dialect::Rewrites textIndexRewrites(const QVector<Token>& tokens) {
         if (column < 0 || pattern >= tokens.size() || tokens[pattern].kind != TokenKind::String)
             continue;
         const QString columnName = nameOf(tokens[column]);
-        if (!isIndexedTextColumn(columnName))
-            continue;
         int start = column;
         QString owner;
+        QString table;
         if (const int dot = previousToken(tokens, column); dot >= 0 && isPunct(tokens[dot], ".")) {
             start = previousToken(tokens, dot);
-            if (start < 0 || !uses.namesVorlane(nameOf(tokens[start])))
+            if (start < 0)
                 continue;
+            table = uses.tableOf(nameOf(tokens[start]));
             owner = Dialect::translateToken(tokens[start]) + QLatin1Char('.');
-        } else if (!uses.onlyVorlaneHas(columnName)) {
-            continue;
+        } else {
+            table = uses.onlyOwnerOf(columnName);
         }
+        if (table.isEmpty() || !isTextSearchColumn(table, columnName))
+            continue;
         if (!isFilterTerm(tokens, start, pattern))
             continue;
         const QString query = textIndexQuery(sql::stringValue(tokens[pattern].text));
         if (query.isEmpty())
             continue;
         const QString before =
-            QStringLiteral("(%1\"IndexID\" IN (SELECT rowid FROM \"%2\" WHERE %3 MATCH %4) AND ")
-                .arg(owner, QLatin1String(TextIndexTable), Dialect::quotedName(columnName),
+            QStringLiteral("(%1\"%2\" IN (SELECT rowid FROM \"%3\" WHERE %4 MATCH %5) AND ")
+                .arg(owner, findTable(table)->key(), textIndexName(table), Dialect::quotedName(columnName),
                      sql::quoteString(query));
         rewrites[start].before += before;
         rewrites[pattern].after += QStringLiteral(")");

@@ -1,5 +1,6 @@
 #include "TextIndex.h"
 
+#include "datastore/Schema.h"
 #include "platform/MousePointer.h"
 
 #include <QHash>
@@ -11,69 +12,129 @@ namespace db {
 
 namespace {
 
-const char* const IndexedColumns[] = {"Title1", "Title2", "Bookmark", "Remarks"};
+// The tables of the schema that have columns marked for text search.
+QVector<const Table*> indexedTables() {
+    QVector<const Table*> out;
+    for (const Table& t : schema())
+        if (!t.textSearchColumns().isEmpty())
+            out << &t;
+    return out;
+}
 
-// The table is an external-content one over Vorlane (content_rowid IndexID): it keeps only the
-// index, not a second copy of the texts, and 'rebuild' fills it from Vorlane when a database
-// made before it gets it. The triggers use the engine's own statements alone, so every writer
-// keeps it right: this program on any seat, an earlier version of it, or the sqlite3 shell.
-// The delete and update triggers hand the index the old texts, exactly those that the insert
-// trigger gave it. No column sizes are kept: nothing ranks the rows.
-const char* const CreateTable =
-    "CREATE VIRTUAL TABLE \"VorlaneText\" USING fts5(\"Title1\", \"Title2\", \"Bookmark\", \"Remarks\", "
-    "content='Vorlane', content_rowid='IndexID', tokenize='trigram', columnsize=0)";
-const char* const CreateInsertTrigger =
-    "CREATE TRIGGER \"VorlaneTextInsert\" AFTER INSERT ON \"Vorlane\" BEGIN "
-    "INSERT INTO \"VorlaneText\"(rowid, \"Title1\", \"Title2\", \"Bookmark\", \"Remarks\") "
-    "VALUES (new.\"IndexID\", new.\"Title1\", new.\"Title2\", new.\"Bookmark\", new.\"Remarks\"); END";
-const char* const CreateDeleteTrigger =
-    "CREATE TRIGGER \"VorlaneTextDelete\" AFTER DELETE ON \"Vorlane\" BEGIN "
-    "INSERT INTO \"VorlaneText\"(\"VorlaneText\", rowid, \"Title1\", \"Title2\", \"Bookmark\", \"Remarks\") "
-    "VALUES ('delete', old.\"IndexID\", old.\"Title1\", old.\"Title2\", old.\"Bookmark\", old.\"Remarks\"); "
-    "END";
-const char* const CreateUpdateTrigger =
-    "CREATE TRIGGER \"VorlaneTextUpdate\" AFTER UPDATE OF \"IndexID\", \"Title1\", \"Title2\", \"Bookmark\", "
-    "\"Remarks\" ON \"Vorlane\" BEGIN "
-    "INSERT INTO \"VorlaneText\"(\"VorlaneText\", rowid, \"Title1\", \"Title2\", \"Bookmark\", \"Remarks\") "
-    "VALUES ('delete', old.\"IndexID\", old.\"Title1\", old.\"Title2\", old.\"Bookmark\", old.\"Remarks\"); "
-    "INSERT INTO \"VorlaneText\"(rowid, \"Title1\", \"Title2\", \"Bookmark\", \"Remarks\") "
-    "VALUES (new.\"IndexID\", new.\"Title1\", new.\"Title2\", new.\"Bookmark\", new.\"Remarks\"); END";
+QString quoted(const QString& name) {
+    return QLatin1Char('"') + name + QLatin1Char('"');
+}
 
-// How many of the index's four parts the database has.
-int partsPresent(sqlite3* handle) {
+// The key and the marked columns of `t` as the triggers hand them over, each after `prefix`.
+QString values(const Table& t, const QString& prefix) {
+    QStringList out{prefix + quoted(t.key())};
+    for (const QString& c : t.textSearchColumns())
+        out << prefix + quoted(c);
+    return out.join(QStringLiteral(", "));
+}
+
+QString columnList(const Table& t) {
+    QStringList out;
+    for (const QString& c : t.textSearchColumns())
+        out << quoted(c);
+    return out.join(QStringLiteral(", "));
+}
+
+// The index of a table is an external-content one over the table (content_rowid its key): it
+// keeps only the index, not a second copy of the texts, and 'rebuild' fills it from the table when
+// a database made before it gets it. The triggers use the engine's own statements alone, so every
+// writer keeps it right: this program on any seat, an earlier version of it, or the sqlite3
+// shell. The delete and update triggers hand the index the old texts, exactly those that the
+// insert trigger gave it. No column sizes are kept: nothing ranks the rows.
+QString createTable(const Table& t) {
+    return QStringLiteral("CREATE VIRTUAL TABLE %1 USING fts5(%2, content='%3', content_rowid='%4', "
+                          "tokenize='trigram', columnsize=0)")
+        .arg(quoted(textIndexName(t.name)), columnList(t), t.name, t.key());
+}
+
+QString insertion(const Table& t) {
+    return QStringLiteral("INSERT INTO %1(rowid, %2) VALUES (%3); ")
+        .arg(quoted(textIndexName(t.name)), columnList(t), values(t, QStringLiteral("new.")));
+}
+
+QString deletion(const Table& t) {
+    const QString index = quoted(textIndexName(t.name));
+    return QStringLiteral("INSERT INTO %1(%1, rowid, %2) VALUES ('delete', %3); ")
+        .arg(index, columnList(t), values(t, QStringLiteral("old.")));
+}
+
+// The full-text table and its insert, delete and update triggers.
+QStringList statements(const Table& t) {
+    const QString trigger = textIndexName(t.name);
+    return {createTable(t),
+            QStringLiteral("CREATE TRIGGER %1 AFTER INSERT ON %2 BEGIN %3END")
+                .arg(quoted(trigger + QStringLiteral("Insert")), quoted(t.name), insertion(t)),
+            QStringLiteral("CREATE TRIGGER %1 AFTER DELETE ON %2 BEGIN %3END")
+                .arg(quoted(trigger + QStringLiteral("Delete")), quoted(t.name), deletion(t)),
+            QStringLiteral("CREATE TRIGGER %1 AFTER UPDATE OF %2, %3 ON %4 BEGIN %5%6END")
+                .arg(quoted(trigger + QStringLiteral("Update")), quoted(t.key()), columnList(t),
+                     quoted(t.name), deletion(t), insertion(t))};
+}
+
+// The names of every index's four parts.
+QStringList partNames() {
+    QStringList out;
+    for (const Table* t : indexedTables()) {
+        const QString index = textIndexName(t->name);
+        out << index << index + QStringLiteral("Insert") << index + QStringLiteral("Delete")
+            << index + QStringLiteral("Update");
+    }
+    return out;
+}
+
+// True when the database has every part of every index.
+bool allPresent(sqlite3* handle) {
+    const QStringList names = partNames();
+    QStringList quotedNames;
+    for (const QString& n : names)
+        quotedNames << QLatin1Char('\'') + n + QLatin1Char('\'');
+    const QByteArray sql = QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name IN (%1)")
+                               .arg(quotedNames.join(QStringLiteral(", ")))
+                               .toUtf8();
     sqlite3_stmt* statement = nullptr;
     int count = -1;
-    if (sqlite3_prepare_v2(handle,
-                           "SELECT count(*) FROM sqlite_master WHERE name IN ('VorlaneText', "
-                           "'VorlaneTextInsert', 'VorlaneTextDelete', 'VorlaneTextUpdate')",
-                           -1, &statement, nullptr) == SQLITE_OK &&
+    if (sqlite3_prepare_v2(handle, sql.constData(), -1, &statement, nullptr) == SQLITE_OK &&
         sqlite3_step(statement) == SQLITE_ROW)
         count = sqlite3_column_int(statement, 0);
     sqlite3_finalize(statement);
-    return count;
+    return count == names.size();
 }
 
 bool run(sqlite3* handle, const char* sql) {
     return sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-// Builds the index inside the open write transaction; a part left by an interrupted or altered
-// database goes first, so that the index is whole and matches the documents.
+bool run(sqlite3* handle, const QString& sql) {
+    return run(handle, sql.toUtf8().constData());
+}
+
+// Builds every index inside the open write transaction; a part left by an interrupted or altered
+// database goes first, so that each index is whole and matches its table.
 bool build(sqlite3* handle) {
-    const char* const statements[] = {
-        "DROP TRIGGER IF EXISTS \"VorlaneTextInsert\"",
-        "DROP TRIGGER IF EXISTS \"VorlaneTextDelete\"",
-        "DROP TRIGGER IF EXISTS \"VorlaneTextUpdate\"",
-        "DROP TABLE IF EXISTS \"VorlaneText\"",
-        CreateTable,
-        "INSERT INTO \"VorlaneText\"(\"VorlaneText\") VALUES ('rebuild')",
-        CreateInsertTrigger,
-        CreateDeleteTrigger,
-        CreateUpdateTrigger,
-    };
-    for (const char* sql : statements)
-        if (!run(handle, sql))
-            return false;
+    for (const Table* t : indexedTables()) {
+        const QString index = quoted(textIndexName(t->name));
+        const QString trigger = textIndexName(t->name);
+        const QStringList create = statements(*t);
+        const QStringList steps{
+            QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(quoted(trigger + QStringLiteral("Insert"))),
+            QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(quoted(trigger + QStringLiteral("Delete"))),
+            QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(quoted(trigger + QStringLiteral("Update"))),
+            QStringLiteral("DROP TABLE IF EXISTS %1").arg(index),
+            create[0],
+            QStringLiteral("INSERT INTO %1(%1) VALUES ('rebuild')").arg(index),
+            create[1],
+            create[2],
+            create[3],
+        };
+        for (const QString& sql : steps)
+            if (!run(handle, sql))
+                return false;
+    }
     return true;
 }
 
@@ -235,27 +296,26 @@ QStringList spellings(const Phrase& phrase, const FoldVariants& folds) {
 
 } // namespace
 
-bool isIndexedTextColumn(const QString& column) {
-    for (const char* c : IndexedColumns)
-        if (column.compare(QLatin1String(c), Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
+QString textIndexName(const QString& table) {
+    return table + QStringLiteral("Text");
 }
 
 QStringList textIndexStatements() {
-    return {QString::fromLatin1(CreateTable), QString::fromLatin1(CreateInsertTrigger),
-            QString::fromLatin1(CreateDeleteTrigger), QString::fromLatin1(CreateUpdateTrigger)};
+    QStringList out;
+    for (const Table* t : indexedTables())
+        out << statements(*t);
+    return out;
 }
 
 TextIndexState openTextIndex(sqlite3* handle) {
     if (!handle)
         return TextIndexState::Unavailable;
-    if (partsPresent(handle) == 4)
+    if (allPresent(handle))
         return TextIndexState::Present;
     // The write lock first, then the test again: another seat may have built it meanwhile.
     if (!run(handle, "BEGIN IMMEDIATE"))
         return TextIndexState::Unavailable;
-    if (partsPresent(handle) == 4)
+    if (allPresent(handle))
         return run(handle, "COMMIT") ? TextIndexState::Present : TextIndexState::Unavailable;
     const int pointer = platform::mousePointer();
     platform::setMousePointer(platform::vbHourglass);

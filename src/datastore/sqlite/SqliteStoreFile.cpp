@@ -1,11 +1,11 @@
 // The upkeep of the embedded file through the engine's own means: its online backup, which reads
 // the pages under the engine's locks, and its exclusive locking mode, which keeps every other
 // seat out from the compaction until its result is in place.
-#include "StoreFile.h"
+#include "datastore/StoreFile.h"
 
-#include "Errors.h"
-#include "OdbcSource.h"
 #include "SqliteFolding.h"
+#include "datastore/Errors.h"
+#include "datastore/OdbcSource.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

@@ -1,11 +1,11 @@
 #include "SqliteEngine.h"
 
 #include "DateTexts.h"
-#include "Dialect.h"
-#include "Errors.h"
-#include "Schema.h"
+#include "SqliteDialect.h"
 #include "SqliteFolding.h"
 #include "TextIndex.h"
+#include "datastore/Errors.h"
+#include "datastore/Schema.h"
 
 #include <QDate>
 #include <QFileInfo>

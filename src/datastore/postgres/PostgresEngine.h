@@ -1,6 +1,6 @@
 #pragma once
 
-#include "QtSqlEngine.h"
+#include "datastore/QtSqlEngine.h"
 
 namespace db {
 
@@ -17,6 +17,10 @@ class PostgresEngine : public QtSqlEngine {
     // A rollback also undoes a wait set inside the transaction: it is set again before the next
     // statement.
     void rollbackTransaction() override;
+    // After checking that the database knows every alphabet's letter case (UTF-8 and a UTF-8
+    // locale) and holds none of the tables (PostgresSchema.cpp).
+    void createSchema(const QString& dataSource, const QString& scrambledUserName,
+                      const QString& scrambledPassword) override;
 
   private:
     int m_timeout = -1; // the wait in force on the server, in seconds; -1 before the first
