@@ -288,11 +288,12 @@ QWidget* MDI::build() {
     // Ctrl+F4 closes the screen in front, as its Close button does, the key of windows inside
     // a main window. (Where the frame's own menu also claims the key, it counts once.)
     auto* closeScreen = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4), w);
-    for (auto signal : {&QShortcut::activated, &QShortcut::activatedAmbiguously})
-        connect(closeScreen, signal, this, [frame] {
-            if (QMdiSubWindow* screen = frame->activeSubWindow())
-                screen->close();
-        });
+    const auto closeFront = [frame] {
+        if (QMdiSubWindow* screen = frame->activeSubWindow())
+            screen->close();
+    };
+    connect(closeScreen, &QShortcut::activated, this, closeFront);
+    connect(closeScreen, &QShortcut::activatedAmbiguously, this, closeFront);
     for (const QKeySequence& key : {QKeySequence(Qt::Key_F6), QKeySequence(Qt::SHIFT | Qt::Key_F6)}) {
         auto* pane = new QShortcut(key, w);
         connect(pane, &QShortcut::activated, this, [this] { switchPane(); });
