@@ -3,6 +3,7 @@
 #include "platform/Controls.h"
 
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 namespace testsupport {
@@ -16,12 +17,26 @@ void press(const Form& form, const QString& button) {
 }
 
 void type(const Form& form, const QString& box, const QString& text) {
+    if (auto* lines = form.control<QPlainTextEdit>(box)) {
+        lines->clear();
+        QTest::keyClicks(lines, text);
+        return;
+    }
     auto* edit = ctl<QLineEdit>(form, box);
     edit->clear();
     QTest::keyClicks(edit, text);
 }
 
+void paste(const Form& form, const QString& box, const QString& text) {
+    if (auto* lines = form.control<QPlainTextEdit>(box))
+        lines->setPlainText(text);
+    else
+        ctl<QLineEdit>(form, box)->setText(text);
+}
+
 QString text(const Form& form, const QString& box) {
+    if (auto* lines = form.control<QPlainTextEdit>(box))
+        return lines->toPlainText();
     return ctl<QLineEdit>(form, box)->text();
 }
 
