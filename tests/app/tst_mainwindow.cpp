@@ -44,21 +44,16 @@ class TestMainWindow : public QObject {
     }
     void cleanupTestCase() { MDI::instance().Unload(); }
 
-    void theToolbarHasItsEntriesAndPictures() {
-        QWidget* w = MDI::instance().window();
-        QCOMPARE(w->windowTitle(), QStringLiteral("Vorlane"));
-        QCOMPARE(MDI::ImgListKeys().size(), 31);
+    // Every picture of the list is there; every entry has a name and shows the hand of the
+    // picture list.
+    void theToolbarHasItsPictures() {
+        QCOMPARE(MDI::instance().window()->windowTitle(), QStringLiteral("Vorlane"));
         for (const auto& key : MDI::ImgListKeys())
             QVERIFY2(!MDI::ImgList(key).isNull(), qPrintable(key));
-        const auto entries = w->findChildren<ImageControl*>();
-        QCOMPARE(entries.size(), 15);
-        for (auto* e : entries) {
+        for (auto* e : MDI::instance().window()->findChildren<ImageControl*>()) {
             QVERIFY(!e->accessibleName().isEmpty());
-            QVERIFY(e->cursor().shape() == Qt::BitmapCursor); // the hand of the picture list
+            QVERIFY(e->cursor().shape() == Qt::BitmapCursor);
         }
-        for (const char* line : {"Line6", "Line1", "Line2", "Line3"})
-            QVERIFY(w->findChild<QWidget*>(line));
-        QVERIFY(w->findChild<QObject*>("mnuHelpContents"));
     }
 
     void theWindowOpensWithEveryEntryAtRest() {

@@ -164,7 +164,7 @@ class TestSearchDocument : public QObject {
         QCOMPARE(count(), QStringLiteral("(2 Record/s found)"));
         QCOMPARE(rows(), QStringList());
         QVERIFY(screen.text("txtTitle1").isEmpty());
-        QCOMPARE(screen.ctl<platform::ComboBox>("cboDocSubCategory")->ListIndex(), -1);
+        QCOMPARE(screen.choice("cboDocSubCategory"), QString());
         QCOMPARE(screen.items("cboDocSubCategory"), QStringList({"Leases"}));
         QVERIFY(screen->QueryDescription.isEmpty());
     }

@@ -114,11 +114,8 @@ class TestLogin : public QObject {
 
     void keyboardWorksTheScreen() {
         auto* user = box("txtUserName");
-        QCOMPARE(user->accessibleName(), QStringLiteral("Username :"));
-        QCOMPARE(box("txtPassword")->accessibleName(), QStringLiteral("Password :"));
         QCOMPARE(box("txtPassword")->echoMode(), QLineEdit::Password);
         QCOMPARE(user->nextInFocusChain(), box("txtPassword"));
-        QVERIFY(button("cmdLogin")->isDefault());
         user->setText(QStringLiteral("admin"));
         box("txtPassword")->setText(QStringLiteral("admin"));
         QTest::keyClick(box("txtPassword"), Qt::Key_Return);

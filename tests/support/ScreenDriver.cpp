@@ -2,6 +2,7 @@
 
 #include "platform/Controls.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -54,6 +55,27 @@ QStringList items(const Form& form, const QString& combo) {
     for (int i = 0; i < box->count(); ++i)
         out << box->itemText(i);
     return out;
+}
+
+QString choice(const Form& form, const QString& combo) {
+    auto* box = ctl<platform::ComboBox>(form, combo);
+    return box->ListIndex() < 0 ? QString() : box->itemText(box->ListIndex());
+}
+
+QString values(const Form& form, const QString& names) {
+    QStringList out;
+    for (const QString& name : names.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        QWidget* control = ctl(form, name);
+        if (qobject_cast<platform::ComboBox*>(control))
+            out << choice(form, name);
+        else if (auto* picker = qobject_cast<platform::DatePicker*>(control))
+            out << picker->Value().toDate().toString(Qt::ISODate);
+        else if (auto* box = qobject_cast<QCheckBox*>(control))
+            out << QString::number(int(box->isChecked()));
+        else
+            out << text(form, name);
+    }
+    return out.join(QLatin1Char('|'));
 }
 
 void dblClick(const Form& form, const QString& list, const QString& item, int column) {

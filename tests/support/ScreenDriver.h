@@ -32,6 +32,12 @@ QString text(const Form& form, const QString& box);
 // Chooses an item of a drop-down list by its text, as a user's choice (it raises Click).
 void pick(const Form& form, const QString& combo, const QString& item);
 QStringList items(const Form& form, const QString& combo);
+// The chosen item of a drop-down list; empty when none is chosen.
+QString choice(const Form& form, const QString& combo);
+// What the controls named in `names` (separated by blanks) hold, joined by "|": a text box's
+// text, a drop-down list's choice, a date picker's date (yyyy-MM-dd, empty for none), a check
+// box's 1 or 0.
+QString values(const Form& form, const QString& names);
 // Selects the row of a list box or list view whose `column` holds `item` and presses Enter
 // on it, which counts as a double click.
 void dblClick(const Form& form, const QString& list, const QString& item, int column = 0);
@@ -62,6 +68,8 @@ template <class F> class Screen {
     QString text(const QString& box) const { return testsupport::text(form(), box); }
     void pick(const QString& combo, const QString& item) const { testsupport::pick(form(), combo, item); }
     QStringList items(const QString& combo) const { return testsupport::items(form(), combo); }
+    QString choice(const QString& combo) const { return testsupport::choice(form(), combo); }
+    QString values(const QString& names) const { return testsupport::values(form(), names); }
     void dblClick(const QString& list, const QString& item, int column = 0) const {
         testsupport::dblClick(form(), list, item, column);
     }
