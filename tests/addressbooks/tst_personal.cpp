@@ -60,13 +60,11 @@ class TestPersonal : public QObject {
         QVERIFY(!screen->EditMode);
         QCOMPARE(shown(), QStringLiteral("|||||||"));
         enter("   |1 Quay St||||||");
-        screen.press(1);
-        QCOMPARE(messages(), QStringList({"48:Please specify name."}));
+        QCOMPARE(screen.pressed(1), QStringList({"48:Please specify name."}));
         QVERIFY(screen->isLoaded());
 
         enter(" Hale & Partners |St Mary's Rd|Westport||01632 960101|07700 900101||office@hale.example");
-        screen.press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(1), QStringList({Saved}));
         QVERIFY(!screen->isLoaded());
         QCOMPARE(stored(),
                  QStringLiteral("1|Hale & Partners|St Mary`s Rd|Westport||01632 960101|07700 900101||"
@@ -81,8 +79,7 @@ class TestPersonal : public QObject {
         QVERIFY(screen->EditMode);
         testsupport::setSession(4, QStringLiteral("Modify"));
         enter("Hale Partners LLP|||||||");
-        screen.press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(1), QStringList({Saved}));
         QCOMPARE(env->count("Personal"), 1);
         QCOMPARE(stored(), QStringLiteral("1|Hale Partners LLP||||||||4"));
     }
@@ -92,12 +89,10 @@ class TestPersonal : public QObject {
         testsupport::setSession(3, QStringLiteral("Save"));
         screen->Show();
         enter("First|||||||");
-        screen.press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(1), QStringList({Saved}));
         screen->Show();
         enter("Second|||||||");
-        screen.press(1);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Modify data."}));
+        QCOMPARE(screen.pressed(1), QStringList({"48:You donot have rights to Modify data."}));
         QCOMPARE(stored(), QStringLiteral("1|First||||||||3"));
     }
 

@@ -68,17 +68,14 @@ class TestReferences : public QObject {
         screen->Show();
         testsupport::setSession(3, QStringLiteral("Save"));
         enter("  ", "notes", "https://example.org");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Reference name."}));
+        QCOMPARE(screen.pressed(2), QStringList({"48:Please specify Reference name."}));
         enter("Tax office", "notes", "   ");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Link."}));
+        QCOMPARE(screen.pressed(2), QStringList({"48:Please specify Link."}));
         QCOMPARE(screen.text("txtParticulars"), QStringLiteral("notes"));
         QCOMPARE(env->count("References"), 0);
 
         enter("  Tax office  ", "", " https://tax.example.gov ");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("RefName||'|'||Particulars||'|'||OnlineLink||'|'||UpdatedBy", 1),
                  QStringLiteral("Tax office||https://tax.example.gov|3"));
         QCOMPARE(screen.text("txtRefName"), QString());
@@ -91,33 +88,27 @@ class TestReferences : public QObject {
         addRow(2, "Court", "https://court.example");
         screen->Show();
         enter("BANK", "", "https://elsewhere.example");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         QCOMPARE(screen.text("txtRefName"), QStringLiteral("BANK"));
         QVERIFY(!GenMod::Conn);
         enter("Bank 2", "", "https://bank.example"); // the same link is allowed
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
 
         enter("O'Neil", "Tom's notes", "https://x.example/?q='a'");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("RefName||'|'||Particulars||'|'||OnlineLink", 4),
                  QStringLiteral("O`Neil|Tom`s notes|https://x.example/?q=`a`"));
         enter("O'Neil", "", "https://y.example");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
 
         // Loaded rows: unchanged passes; another's name is refused; a quote breaks the test.
         screen.press(1);
         dblClick("O`Neil");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         screen.press(1);
         dblClick("Court");
         screen.type("txtRefName", "bank");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         QVERIFY(screen->EditMode);
         QCOMPARE(screen->CurrentRowID, 2);
         screen.type("txtRefName", "O'Neil");
@@ -202,8 +193,7 @@ class TestReferences : public QObject {
         QVERIFY(screen.isShown("fraList"));
         dblClick("Far");
         QCOMPARE(messages(), QStringList({"16:Overflow"}));
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("OnlineLink", 7), QStringLiteral("https://notary.example"));
         QCOMPARE(env->count("References"), 2);
         QVERIFY(!screen.isShown("fraList"));
@@ -228,8 +218,7 @@ class TestReferences : public QObject {
         screen.press(1);
         screen.ctl<QCheckBox>("chkShowAll")->setChecked(false);
         search("tax");
-        screen.press(4);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(4), QStringList({Saved}));
         QCOMPARE(printedNames(), QStringList({"Bank", "Tax office"}));
         QCOMPARE(reports::RptInternetRef().pages().pages[0].textOf("txtParticulars"),
                  QStringList({"Current account"})); // the empty one prints as nothing

@@ -136,8 +136,7 @@ class TestClassification : public QObject {
         f.Show();
 
         type(f, screen.text, "  Letters  ");
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(pressed(f, 2), QStringList({Saved}));
         QCOMPARE(name(screen.table, screen.nameColumn, screen.keyColumn, 1), QStringLiteral("Letters"));
         QCOMPARE(env->scalar("select UpdatedBy from " + screen.table).toInt(), 1);
         QCOMPARE(text(f, screen.text), QString());
@@ -146,17 +145,14 @@ class TestClassification : public QObject {
 
         // Blanks only count as empty; letter case does not make another name.
         type(f, screen.text, "   ");
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({screen.emptyMessage}));
+        QCOMPARE(pressed(f, 2), QStringList({screen.emptyMessage}));
         type(f, screen.text, "LETTERS");
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({screen.duplicateMessage}));
+        QCOMPARE(pressed(f, 2), QStringList({screen.duplicateMessage}));
         QCOMPARE(text(f, screen.text), QStringLiteral("LETTERS"));
         QCOMPARE(env->count(screen.table), 1);
 
         type(f, screen.text, "Memos");
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(pressed(f, 2), QStringList({Saved}));
         QCOMPARE(name(screen.table, screen.nameColumn, screen.keyColumn, 2), QStringLiteral("Memos"));
         QVERIFY(!GenMod::Conn); // no connection outlives the operation
     }
@@ -181,15 +177,13 @@ class TestClassification : public QObject {
         QVERIFY(!isShown(f, screen.list));
 
         // Saved under its own name: the row itself is left out of the duplicate test.
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(pressed(f, 2), QStringList({Saved}));
         QVERIFY(!f.EditMode);
 
         press(f, 1);
         dblClick(f, screen.list, "Letters");
         type(f, screen.text, "memos");
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({screen.duplicateMessage}));
+        QCOMPARE(pressed(f, 2), QStringList({screen.duplicateMessage}));
         QVERIFY(f.EditMode);
         QCOMPARE(f.CurrentRowID, 7);
 
@@ -199,8 +193,7 @@ class TestClassification : public QObject {
         QCOMPARE(text(f, screen.text), QStringLiteral("memos"));
 
         type(f, screen.text, "Letters out");
-        press(f, 2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(pressed(f, 2), QStringList({Saved}));
         QCOMPARE(name(screen.table, screen.nameColumn, screen.keyColumn, 7), QStringLiteral("Letters out"));
         QCOMPARE(env->count(screen.table), 2);
         QVERIFY(!isShown(f, screen.list));
@@ -222,34 +215,28 @@ class TestClassification : public QObject {
         types->Show();
 
         testsupport::setSession(3, "User");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Save or Modify data."}));
+        QCOMPARE(types.pressed(2), QStringList({"48:You donot have rights to Save or Modify data."}));
 
         // "Save" may add but not change: a loaded row is refused before its empty name is seen.
         testsupport::setSession(3, "Save");
         types.press(1);
         types.dblClick("lstType", "Letters");
         types.type("txtDocType", "");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Modify data."}));
+        QCOMPARE(types.pressed(2), QStringList({"48:You donot have rights to Modify data."}));
         types.press(0);
         types.type("txtDocType", "Letters");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({"48:Duplicate Document Type not allowed."}));
+        QCOMPARE(types.pressed(2), QStringList({"48:Duplicate Document Type not allowed."}));
         types.type("txtDocType", "Notes");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(types.pressed(2), QStringList({Saved}));
         QCOMPARE(env->scalar("select UpdatedBy from DocumentType where TypeID=2").toInt(), 3);
 
         // No rights column set: as "Save".
         testsupport::setSession(4, "");
         types.type("txtDocType", "Orders");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(types.pressed(2), QStringList({Saved}));
         types.press(1);
         types.dblClick("lstType", "Orders");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Modify data."}));
+        QCOMPARE(types.pressed(2), QStringList({"48:You donot have rights to Modify data."}));
         QCOMPARE(env->count("DocumentType"), 3);
     }
 
@@ -319,8 +306,7 @@ class TestClassification : public QObject {
         QVERIFY(!types.isShown("lstType"));
         QVERIFY(types->EditMode);
         types.type("txtDocType", "Post");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(types.pressed(2), QStringList({Saved}));
         QCOMPARE(env->count("DocumentType"), 1);
         QCOMPARE(name("DocumentType", "DocType", "TypeID", 3), QStringLiteral("Post"));
     }
@@ -344,20 +330,17 @@ class TestClassification : public QObject {
         types.press(1);
         env->takeDatabaseAway();
 
-        types.press(1);
-        QCOMPARE(messages(), QStringList({NotFound}));
+        QCOMPARE(types.pressed(1), QStringList({NotFound}));
         types.dblClick("lstType", "Letters");
         QCOMPARE(messages(), QStringList({NotFound}));
         QVERIFY(!types->EditMode);
         types.type("txtDocType", "Notes");
-        types.press(2);
-        QCOMPARE(messages(), QStringList({NotFound}));
+        QCOMPARE(types.pressed(2), QStringList({NotFound}));
         QCOMPARE(types.text("txtDocType"), QStringLiteral("Notes"));
 
         env->bringDatabaseBack();
         QCOMPARE(env->count("DocumentType"), 1);
-        types.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(types.pressed(2), QStringList({Saved}));
         QCOMPARE(env->count("DocumentType"), 2);
     }
 
@@ -404,8 +387,7 @@ class TestClassification : public QObject {
         subCategories->Show();
         // No category at all: every save stops at the parent.
         subCategories.type("txtDocSubCat", "Invoices");
-        subCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Document Category."}));
+        QCOMPARE(subCategories.pressed(2), QStringList({"48:Please specify Document Category."}));
 
         subCategories.press(3);
         seedTree();
@@ -413,16 +395,13 @@ class TestClassification : public QObject {
         QCOMPARE(subCategories.items("cboDocCategory"), QStringList({"Accounts", "Bank"}));
         QCOMPARE(subCategories.choice("cboDocCategory"), QString());
         subCategories.pick("cboDocCategory", "Bank");
-        subCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Document Sub-Category."}));
+        QCOMPARE(subCategories.pressed(2), QStringList({"48:Please specify Document Sub-Category."}));
 
         // The name is unique across all categories.
         subCategories.type("txtDocSubCat", "invoices");
-        subCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Duplicate Document Sub-Category not allowed."}));
+        QCOMPARE(subCategories.pressed(2), QStringList({"48:Duplicate Document Sub-Category not allowed."}));
         subCategories.type("txtDocSubCat", "Loans");
-        subCategories.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(subCategories.pressed(2), QStringList({Saved}));
         QCOMPARE(env->scalar("select CatID from DocumentSubCategory where SubCategory='Loans'").toInt(), 2);
         QCOMPARE(env->scalar("select SubCatID from DocumentSubCategory where SubCategory='Loans'").toInt(),
                  13);
@@ -451,12 +430,10 @@ class TestClassification : public QObject {
         subCategories.press(1);
         subCategories.dblClick("lstSubCategory", "Invoices");
         subCategories.type("txtDocSubCat", "Receipts");
-        subCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Duplicate Document Sub-Category not allowed."}));
+        QCOMPARE(subCategories.pressed(2), QStringList({"48:Duplicate Document Sub-Category not allowed."}));
         subCategories.pick("cboDocCategory", "Bank");
         subCategories.type("txtDocSubCat", "Invoices");
-        subCategories.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(subCategories.pressed(2), QStringList({Saved}));
         QCOMPARE(env->scalar("select CatID from DocumentSubCategory where SubCatID=10").toInt(), 2);
         QCOMPARE(env->scalar("select CatID from DocumentChildCategory where ChildCatID=100").toInt(), 1);
 
@@ -478,36 +455,31 @@ class TestClassification : public QObject {
         QCOMPARE(childCategories.items("cboDocSubCategory"), QStringList());
 
         childCategories.type("txtChildCat", "2024");
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Document Category."}));
+        QCOMPARE(childCategories.pressed(2), QStringList({"48:Please specify Document Category."}));
 
         childCategories.pick("cboDocCategory", "Accounts");
         QCOMPARE(childCategories.items("cboDocSubCategory"), QStringList({"Invoices", "Receipts"}));
         QCOMPARE(childCategories.choice("cboDocSubCategory"), QString());
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Document Sub-Category."}));
+        QCOMPARE(childCategories.pressed(2), QStringList({"48:Please specify Document Sub-Category."}));
 
         childCategories.pick("cboDocSubCategory", "Receipts");
         childCategories.type("txtChildCat", " ");
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Document Child Category."}));
+        QCOMPARE(childCategories.pressed(2), QStringList({"48:Please specify Document Child Category."}));
 
         // Another category refills the sub-categories with none chosen.
         childCategories.pick("cboDocCategory", "Bank");
         QCOMPARE(childCategories.items("cboDocSubCategory"), QStringList({"Statements"}));
         childCategories.type("txtChildCat", "2024");
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Document Sub-Category."}));
+        QCOMPARE(childCategories.pressed(2), QStringList({"48:Please specify Document Sub-Category."}));
 
         // The name is unique across all sub-categories.
         childCategories.pick("cboDocCategory", "Bank");
         childCategories.pick("cboDocSubCategory", "Statements");
         childCategories.type("txtChildCat", "2023");
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({"48:Duplicate Document Child Category not allowed."}));
+        QCOMPARE(childCategories.pressed(2),
+                 QStringList({"48:Duplicate Document Child Category not allowed."}));
         childCategories.type("txtChildCat", "2024");
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(childCategories.pressed(2), QStringList({Saved}));
         QCOMPARE(
             env->scalar("select CatID || '/' || SubCatID || '/' || ChildCatID from DocumentChildCategory "
                         "where ChildCategory='2024'")
@@ -546,8 +518,7 @@ class TestClassification : public QObject {
         // Moved to other parents by a save.
         childCategories.pick("cboDocCategory", "Accounts");
         childCategories.pick("cboDocSubCategory", "Receipts");
-        childCategories.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(childCategories.pressed(2), QStringList({Saved}));
         QCOMPARE(
             env->scalar("select CatID || '/' || SubCatID || '/' || ChildCategory from DocumentChildCategory "
                         "where ChildCatID=101")

@@ -110,13 +110,11 @@ class TestFileRegister : public QObject {
         screen->Show();
         testsupport::setSession(3, QStringLiteral("Save"));
         enter("   ", "Bank statements");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify File Number."}));
+        QCOMPARE(screen.pressed(2), QStringList({"48:Please specify File Number."}));
         QCOMPARE(screen.text("txtParticulars"), QStringLiteral("Bank statements"));
 
         enter("  F-001  ", "");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("FileNumber||'|'||Particulars||'|'||UpdatedBy", 1), QStringLiteral("F-001||3"));
         QCOMPARE(screen.text("txtFileNo"), QString());
         QVERIFY(!screen->EditMode);
@@ -129,35 +127,30 @@ class TestFileRegister : public QObject {
 
         // A new row: the same number in other letter case is the same number.
         enter("f-001", "Other");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         QCOMPARE(screen.text("txtFileNo"), QStringLiteral("f-001"));
         QCOMPARE(screen.text("txtParticulars"), QStringLiteral("Other"));
         QVERIFY(!GenMod::Conn);
 
         // Same particulars as another file.
         enter("F-002", "Tax returns");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("Particulars", 3), QStringLiteral("Tax returns"));
 
         // An edited row may keep its own number, but not take another's.
         screen.press(1);
         dblClick("A-7");
         screen.type("txtParticulars", "Leases and deeds");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("Particulars", 2), QStringLiteral("Leases and deeds"));
         screen.press(1);
         dblClick("A-7");
         screen.type("txtFileNo", "F-002");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         QVERIFY(screen->EditMode);
         QCOMPARE(screen->CurrentRowID, 2);
         screen.type("txtFileNo", "a-8");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("FileNumber", 2), QStringLiteral("a-8"));
         QCOMPARE(env->count("File"), 3);
     }
@@ -174,8 +167,7 @@ class TestFileRegister : public QObject {
 
         // In the particulars alone it passes quietly.
         enter("F-9", "Tom's deeds");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("Particulars", 3), QStringLiteral("Tom`s deeds"));
     }
 
@@ -261,8 +253,7 @@ class TestFileRegister : public QObject {
         QCOMPARE(screen.text("txtFileNo"), QString());
         QVERIFY(!screen.isShown("lstFile"));
         enter("F-002", "Post");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(env->count("File"), 2);
         QCOMPARE(stored("Particulars", 1), QStringLiteral("Tax returns"));
     }
@@ -275,8 +266,7 @@ class TestFileRegister : public QObject {
         env->exec("insert into File values(2,'F-001','Bank statements',1)");
         testsupport::setSession(2, QStringLiteral("User"));
         screen->Show();
-        screen.press(4);
-        QCOMPARE(messages(), QStringList());
+        QCOMPARE(screen.pressed(4), QStringList());
         QVERIFY(!screen.isShown("lstFile"));
         QVERIFY(reports::RptFileList().isShown());
         QCOMPARE(printedNumbers(), QStringList({"F-001", "F-002"}));
@@ -295,8 +285,7 @@ class TestFileRegister : public QObject {
         QVERIFY(screen->isLoaded());
         env->createDatabase();
         env->exec("insert into File values(1,'F-001','Tax returns',1)");
-        screen.press(4);
-        QCOMPARE(messages(), QStringList());
+        QCOMPARE(screen.pressed(4), QStringList());
         QCOMPARE(printedNumbers(), QStringList({"F-001"}));
     }
 };

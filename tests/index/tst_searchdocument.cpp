@@ -199,8 +199,7 @@ class TestSearchDocument : public QObject {
         screen.type("txtTitle1", "lease");
         search();
         screen.type("txtBookmark", "p1");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList());
+        QCOMPARE(screen.pressed(2), QStringList());
         QCOMPARE(env->count("PrintSearchResult"), 2);
         QCOMPARE(env->scalar("select Title1||'|'||Title2||'|'||DocDate||'|'||FilePath from PrintSearchResult "
                              "where Title1='1'")
@@ -215,8 +214,7 @@ class TestSearchDocument : public QObject {
         env->refuse("insert", "PrintSearchResult", "refused", "Title1", "3");
         screen->ResetSearchForm();
         search();
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({"16:refused"}));
+        QCOMPARE(screen.pressed(2), QStringList({"16:refused"}));
         QCOMPARE(env->count("PrintSearchResult"), 2);
         env->allow("PrintSearchResult");
 

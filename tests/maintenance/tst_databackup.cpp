@@ -357,8 +357,7 @@ class TestDataBackup : public QObject {
 
         env->removeDatabase();
         backupTo(folder("Database/Backup"));
-        screen.press("cmdRepair");
-        QCOMPARE(messages(), (QStringList{Question, NotOnServer, NotOnServer}));
+        QCOMPARE(screen.pressed("cmdRepair"), (QStringList{Question, NotOnServer, NotOnServer}));
         QVERIFY(QDir(folder("Database/Backup")).isEmpty());
         QVERIFY(!QFile::exists(folder("Database/Temp.mdb")));
     }
@@ -376,8 +375,7 @@ class TestDataBackup : public QObject {
         stale.close();
         QVERIFY(QFile::setPermissions(env->databasePath(), QFile::ReadOwner | QFile::ReadGroup));
 
-        screen.press("cmdRepair");
-        QCOMPARE(messages(), QStringList{Repaired});
+        QCOMPARE(screen.pressed("cmdRepair"), QStringList{Repaired});
         QVERIFY(QFileInfo(env->databasePath()).size() < before);
         QVERIFY(QFile::permissions(env->databasePath()) & QFile::WriteOwner);
         QCOMPARE(QDir(folder("Database")).entryList(QDir::Files), QStringList{"Vorlane.mdb"});
@@ -401,8 +399,7 @@ class TestDataBackup : public QObject {
         seat->BeginTrans();
         seat->Execute(document(11, QStringLiteral("Seat 1")));
         const QByteArray store = contents(env->databasePath());
-        screen.press("cmdRepair");
-        QCOMPARE(messages(), QStringList{"16:database is locked"});
+        QCOMPARE(screen.pressed("cmdRepair"), QStringList{"16:database is locked"});
         QCOMPARE(contents(env->databasePath()), store);
         QVERIFY(!QFile::exists(folder("Database/Temp.mdb")));
         seat->CommitTrans();
@@ -445,8 +442,7 @@ class TestDataBackup : public QObject {
         QVERIFY(saver.waitForMore(1));
         constexpr int Compactions = 20;
         for (int i = 0; i < Compactions; ++i) {
-            screen.press("cmdRepair");
-            QCOMPARE(messages(), QStringList{Repaired});
+            QCOMPARE(screen.pressed("cmdRepair"), QStringList{Repaired});
             QVERIFY(saver.waitForMore(1));
         }
         QVERIFY(saver.stop());

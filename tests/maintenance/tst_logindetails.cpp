@@ -146,13 +146,12 @@ class TestLoginDetails : public QObject {
         fill("clerk", "  ");
         screen.press(2);
         fill("clerk", "pw");
-        screen.press(2);
-        QCOMPARE(messages(), (QStringList{"48:Please specify User name.", "48:Please specify User name.",
-                                          "48:Please specify Password.", "48:Please specify Data rights."}));
+        QCOMPARE(screen.pressed(2),
+                 (QStringList{"48:Please specify User name.", "48:Please specify User name.",
+                              "48:Please specify Password.", "48:Please specify Data rights."}));
         QCOMPARE(screen.text("txtUserName"), QStringLiteral("clerk")); // the fields stay
         clickCaption("lblModify");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{Saved});
+        QCOMPARE(screen.pressed(2), QStringList{Saved});
         QCOMPARE(rights(2), QStringLiteral("001"));
         QCOMPARE(boxes(), QStringLiteral("1|0|0"));
     }
@@ -161,8 +160,7 @@ class TestLoginDetails : public QObject {
         setSession(7, QStringLiteral("Modify"));
         fill("  clerk ", "O'Brien \"x\"");
         screen.ctl<QCheckBox>("chkAdd")->click();
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{Saved});
+        QCOMPARE(screen.pressed(2), QStringList{Saved});
         QCOMPARE(stored(2, "UserName"), GenMod::ScrambleText("clerk"));
         QCOMPARE(stored(2, "Password"), GenMod::ScrambleText("O'Brien \"x\""));
         QCOMPARE(rights(2), QStringLiteral("010"));
@@ -171,15 +169,13 @@ class TestLoginDetails : public QObject {
 
         // The same name again is a duplicate; the row's own name is not.
         fill("clerk", "other");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{"48:Duplicate username not allowed."});
+        QCOMPARE(screen.pressed(2), QStringList{"48:Duplicate username not allowed."});
         QCOMPARE(env->count("Logins"), 2);
         screen.press(1);
         screen.dblClick("lstUsers", "clerk");
         screen.type("txtPassword", "new secret");
         clickCaption("lblModify");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{Saved});
+        QCOMPARE(screen.pressed(2), QStringList{Saved});
         QVERIFY(!screen->EditMode);
         QCOMPARE(rights(2), QStringLiteral("001"));
         QVERIFY(logsIn("clerk", "new secret"));
@@ -188,8 +184,7 @@ class TestLoginDetails : public QObject {
         screen.press(1);
         screen.dblClick("lstUsers", "clerk");
         screen.type("txtUserName", "admin");
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{"48:Duplicate username not allowed."});
+        QCOMPARE(screen.pressed(2), QStringList{"48:Duplicate username not allowed."});
         QVERIFY(screen->EditMode);
     }
 
@@ -221,15 +216,13 @@ class TestLoginDetails : public QObject {
         const QString name = QStringLiteral("Жанна");
         const QString password = QStringLiteral("пароль");
         fill(name, password);
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{Saved});
+        QCOMPARE(screen.pressed(2), QStringList{Saved});
         QVERIFY(logsIn(name, password));
         QVERIFY(!logsIn("?????", "??????"));
         QVERIFY(!logsIn(QStringLiteral("Жанны"), password));
         QVERIFY(!logsIn(name, QStringLiteral("парол\u044C\u044C")));
         fill(QStringLiteral("Жанны"), password); // another name of the same length is no duplicate
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{Saved});
+        QCOMPARE(screen.pressed(2), QStringList{Saved});
 
         // "Müller" / "Grüße €" as the old system stored them: 255 minus each Windows-1252 byte.
         env->exec(QStringLiteral("insert into Logins values(9,'\u00B2\u0003\u201C\u201C\u0161\u008D',"
@@ -250,8 +243,7 @@ class TestLoginDetails : public QObject {
         QCOMPARE(longPassword.size(), 25); // the emoji counts as two
         fill(longName + QLatin1Char('!'), longPassword);
         QCOMPARE(screen.text("txtUserName"), longName);
-        screen.press(2);
-        QCOMPARE(messages(), QStringList{Saved});
+        QCOMPARE(screen.pressed(2), QStringList{Saved});
         QVERIFY(logsIn(longName, longPassword));
         QVERIFY(!logsIn(longName, longPassword.left(24)));
     }

@@ -103,22 +103,19 @@ class TestSettings : public QObject {
         QCOMPARE(screen.text("txtWordPath"), QStringLiteral("/usr/bin/Word"));
 
         testsupport::setSession(1, QStringLiteral("User"));
-        screen.press(0);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Save or Modify data."}));
+        QCOMPARE(screen.pressed(0), QStringList({"48:You donot have rights to Save or Modify data."}));
         testsupport::setSession(1, QStringLiteral("Save"));
 
         for (const char* box : PathBoxes)
             screen.type(box, QStringLiteral("   "));
         screen.type("txtDocType", "Department");
-        screen.press(0);
-        QCOMPARE(messages(), QStringList());
+        QCOMPARE(screen.pressed(0), QStringList());
         QVERIFY(screen->isLoaded());
         QCOMPARE(setting("Word"), QStringLiteral("/usr/bin/Word"));
         QCOMPARE(env->count("FieldCaptions"), 0);
 
         screen.type("txtExcelPath", "  /usr/bin/localc  ");
-        screen.press(0);
-        QCOMPARE(messages(), QStringList({"64:Settings saved successfully."}));
+        QCOMPARE(screen.pressed(0), QStringList({"64:Settings saved successfully."}));
         QVERIFY(!screen->isLoaded());
         QCOMPARE(setting("Excel"), QStringLiteral("/usr/bin/localc"));
         for (const char* key : {"Image", "Word", "PDF"})
@@ -138,8 +135,7 @@ class TestSettings : public QObject {
         screen.type("txtImagePath", "/usr/bin/eog");
         screen.type("txtDocType", "  Director's  Office ");
         screen.type("txtDocTitle1", QString());
-        screen.press(0);
-        QCOMPARE(messages(), QStringList({"64:Settings saved successfully."}));
+        QCOMPARE(screen.pressed(0), QStringList({"64:Settings saved successfully."}));
         QCOMPARE(env->count("FieldCaptions"), 1);
         QCOMPARE(env->scalar("select DocType||'|'||DocTitle1||'|'||DocCat from FieldCaptions").toString(),
                  QStringLiteral("Director`s  Office||b"));
@@ -152,8 +148,7 @@ class TestSettings : public QObject {
         env->refuse("insert", "FieldCaptions", "disk full");
         screen.type("txtImagePath", "/usr/bin/eog");
         screen.type("txtDocType", "New");
-        screen.press(0);
-        QCOMPARE(messages(), QStringList({"16:disk full"}));
+        QCOMPARE(screen.pressed(0), QStringList({"16:disk full"}));
         QVERIFY(screen->isLoaded());
         QCOMPARE(env->scalar("select DocType from FieldCaptions").toString(), QStringLiteral("Old"));
         QCOMPARE(setting("Image"), QStringLiteral("/usr/bin/eog"));
@@ -181,8 +176,7 @@ class TestSettings : public QObject {
 
         screen.ctl<platform::DatePicker>("dtpDelete")->setValue(QDate(2021, 7, 1));
         platform::test::answerNext(platform::vbNo);
-        screen.press("cmdDelete");
-        QCOMPARE(messages(), QStringList({Confirm}));
+        QCOMPARE(screen.pressed("cmdDelete"), QStringList({Confirm}));
         QVERIFY(!screen.isShown("lblProcess"));
         QCOMPARE(env->count("Vorlane"), 4);
 

@@ -17,6 +17,16 @@ void press(const Form& form, const QString& button) {
     ctl<QPushButton>(form, button)->click();
 }
 
+QStringList pressed(const Form& form, int index) {
+    press(form, index);
+    return messages();
+}
+
+QStringList pressed(const Form& form, const QString& button) {
+    press(form, button);
+    return messages();
+}
+
 void type(const Form& form, const QString& box, const QString& text) {
     if (auto* lines = form.control<QPlainTextEdit>(box)) {
         lines->clear();

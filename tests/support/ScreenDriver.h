@@ -24,6 +24,9 @@ template <class T = QWidget> T* ctl(const Form& form, const QString& name) {
 // Presses a button: cmd(index) of the screen's action buttons, or a button by its name.
 void press(const Form& form, int index);
 void press(const Form& form, const QString& button);
+// The same, then the message boxes that were shown since they were last read, as messages().
+QStringList pressed(const Form& form, int index);
+QStringList pressed(const Form& form, const QString& button);
 // Empties a text box (of one line or several) and types `text` into it, key by key.
 void type(const Form& form, const QString& box, const QString& text);
 // Puts `text` into a text box as pasted: for characters that the test keyboard has no key for.
@@ -63,6 +66,8 @@ template <class F> class Screen {
     }
     void press(int index) const { testsupport::press(form(), index); }
     void press(const QString& button) const { testsupport::press(form(), button); }
+    QStringList pressed(int index) const { return testsupport::pressed(form(), index); }
+    QStringList pressed(const QString& button) const { return testsupport::pressed(form(), button); }
     void type(const QString& box, const QString& text) const { testsupport::type(form(), box, text); }
     void paste(const QString& box, const QString& text) const { testsupport::paste(form(), box, text); }
     QString text(const QString& box) const { return testsupport::text(form(), box); }
