@@ -52,14 +52,11 @@ class TestSearchDocument : public QObject {
     void init() {
         env = testsupport::startCase();
         testsupport::setSession(3, QStringLiteral("User")); // searching needs no rights
-        env->exec("insert into DocumentType values(1,'Letter',1)");
-        env->exec("insert into DocumentType values(2,'Invoice',1)");
-        env->exec("insert into DocumentCategory values(1,'Accounts',1)");
-        env->exec("insert into DocumentCategory values(4,'Legal',1)");
+        env->exec("insert into DocumentType values(1,'Letter',1),(2,'Invoice',1)");
+        env->exec("insert into DocumentCategory values(1,'Accounts',1),(4,'Legal',1)");
         env->exec("insert into DocumentSubCategory values(7,4,'Leases',1)");
         env->exec("insert into DocumentChildCategory values(9,4,7,'Shops',1)");
-        env->exec("insert into File values(1,'F-001','Tax',1)");
-        env->exec("insert into File values(2,'F-002','Bank',1)");
+        env->exec("insert into File values(1,'F-001','Tax',1),(2,'F-002','Bank',1)");
         env->exec("insert into Vorlane values(1,'2026-03-05','2026-04-01',2,4,7,9,'Lease O`Brien','shop',"
                   "'/d/1.pdf',2,'p1','rent',1)");
         env->exec("insert into Vorlane values(2,'2024-01-10','2024-02-01',1,1,7,9,'Tax return','',"

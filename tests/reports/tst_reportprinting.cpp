@@ -38,8 +38,7 @@ void TestReportPrinting::cleanup() {
 }
 
 void TestReportPrinting::secondPrintShowsRowsSavedSinceTheFirst() {
-    m_env->exec("insert into File values(1,'F-002','Tax returns',1)");
-    m_env->exec("insert into File values(2,'F-001','Bank statements',1)");
+    m_env->exec("insert into File values(1,'F-002','Tax returns',1),(2,'F-001','Bank statements',1)");
     DECommand& rs = VorlaneDE::instance().rscmdFileList();
     Report& report = RptFileList();
 
