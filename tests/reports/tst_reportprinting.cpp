@@ -27,14 +27,11 @@ class TestReportPrinting : public QObject {
 };
 
 void TestReportPrinting::init() {
-    VorlaneDE::instance().reset();
-    m_env = std::make_unique<testsupport::TestEnvironment>();
+    m_env = testsupport::startCase();
 }
 
 void TestReportPrinting::cleanup() {
-    VorlaneDE::instance().reset();
-    m_env.reset();
-    platform::test::takeMessages();
+    testsupport::endCase(m_env);
 }
 
 void TestReportPrinting::secondPrintShowsRowsSavedSinceTheFirst() {

@@ -18,13 +18,12 @@ class TestGenMod : public QObject {
     Q_OBJECT
   private slots:
     void init() {
-        m_env = std::make_unique<testsupport::TestEnvironment>();
+        m_env = testsupport::startCase();
         QVERIFY(OpenConnection());
-        messages();
     }
     void cleanup() {
         CloseConnection();
-        m_env.reset();
+        testsupport::endCase(m_env);
     }
 
     void fixQuotesSwapsEveryApostrophe() {
