@@ -40,8 +40,6 @@ class TestContacts : public QObject {
             parts << screen.text(box);
         return parts.join(QLatin1Char('|')) + QLatin1Char('|') + screen.text("txtRemarks");
     }
-    QStringList rows() const { return screen.rows("lstContacts"); }
-    void dblClick(const QString& name) const { screen.dblClick("lstContacts", name, 1); }
     void search(const QString& part) const {
         screen.type("txtSearchName", part);
         screen.press("cmdSearch");
@@ -69,30 +67,31 @@ class TestContacts : public QObject {
         env->exec("insert into Contacts values(3,'Bob Marsh','','','','','','','','',1)");
         screen->Show();
         screen.press(1);
-        QCOMPARE(rows(), QStringList({"3|Bob Marsh|||", "1|Dr Anne Hale|555 0101||a@h.example",
-                                      "2|Hale & Sons|555 0202|07700|"}));
+        QCOMPARE(screen.rows("lstContacts"),
+                 QStringList({"3|Bob Marsh|||", "1|Dr Anne Hale|555 0101||a@h.example",
+                              "2|Hale & Sons|555 0202|07700|"}));
         auto* box = screen.ctl<QCheckBox>("chkShowAll");
         QVERIFY(box->isChecked());
         QVERIFY(!screen.ctl("txtSearchName")->isEnabled());
 
-        QTest::mouseClick(screen.ctl<QLabel>("lblShowAll"), Qt::LeftButton);
+        screen.click("lblShowAll");
         QVERIFY(!box->isChecked());
         search("HALE");
-        QCOMPARE(rows().size(), 2);
+        QCOMPARE(screen.rows("lstContacts").size(), 2);
         search("o'b");
         QCOMPARE(testsupport::messageKinds(), QStringList({"16:"}));
-        QCOMPARE(rows().size(), 2);
+        QCOMPARE(screen.rows("lstContacts").size(), 2);
 
         screen.press(0);
         QVERIFY(!screen.isShown("fraList"));
         QVERIFY(!box->isChecked());
-        QCOMPARE(rows().size(), 2);
+        QCOMPARE(screen.rows("lstContacts").size(), 2);
         screen.press(1);
         QVERIFY(box->isChecked());
         QCOMPARE(screen.text("txtSearchName"), QString());
-        QCOMPARE(rows().size(), 3);
+        QCOMPARE(screen.rows("lstContacts").size(), 3);
 
-        dblClick("Hale & Sons");
+        screen.dblClick("lstContacts", "Hale & Sons", 1);
         QCOMPARE(shown(), QStringLiteral("Hale & Sons|x|y|z|555 0202|07700|fax||r"));
         QCOMPARE(screen->CurrentRowID, 2);
         QCOMPARE(messages(), QStringList());
@@ -129,7 +128,7 @@ class TestContacts : public QObject {
 
         // A loaded row may not take another's name.
         screen.press(1);
-        dblClick("Bob");
+        screen.dblClick("lstContacts", "Bob", 1);
         screen.type("txtName", "ROB");
         QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         screen.type("txtName", "Bob Marsh");

@@ -38,15 +38,13 @@ class TestReferences : public QObject {
         screen.paste("txtParticulars", particulars);
         screen.type("txtLink", link);
     }
-    // The rows of the list as "key|name|link", and the names alone.
-    QStringList rows() const { return screen.rows("lstRef"); }
+    // The names in the list.
     QStringList names() const {
         QStringList out;
-        for (const QString& row : rows())
+        for (const QString& row : screen.rows("lstRef"))
             out << row.section(QLatin1Char('|'), 1, 1);
         return out;
     }
-    void dblClick(const QString& name) const { screen.dblClick("lstRef", name, 1); }
     void search(const QString& part) const {
         screen.type("txtSearchName", part);
         screen.press("cmdSearch");
@@ -103,10 +101,10 @@ class TestReferences : public QObject {
 
         // Loaded rows: unchanged passes; another's name is refused; a quote breaks the test.
         screen.press(1);
-        dblClick("O`Neil");
+        screen.dblClick("lstRef", "O`Neil", 1);
         QCOMPARE(screen.pressed(2), QStringList({Saved}));
         screen.press(1);
-        dblClick("Court");
+        screen.dblClick("lstRef", "Court", 1);
         screen.type("txtRefName", "bank");
         QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         QVERIFY(screen->EditMode);
@@ -130,18 +128,18 @@ class TestReferences : public QObject {
         screen.press(1);
         QCOMPARE(names(),
                  QStringList({"50% off", "abc Motors", "Land_registry", "The ABC of tax", "Zoning board"}));
-        QCOMPARE(rows().first(), QStringLiteral("4|50% off|https://p.example"));
+        QCOMPARE(screen.rows("lstRef").first(), QStringLiteral("4|50% off|https://p.example"));
         auto* searchText = screen.ctl<QLineEdit>("txtSearchName");
         auto* showAll = screen.ctl<QCheckBox>("chkShowAll");
         QVERIFY(!searchText->isEnabled());
 
-        QTest::mouseClick(screen.ctl<QLabel>("lblShowAll"), Qt::LeftButton);
+        screen.click("lblShowAll");
         QVERIFY(!showAll->isChecked());
         QVERIFY(searchText->isEnabled());
         search("abc");
         QCOMPARE(names(), QStringList({"abc Motors", "The ABC of tax"}));
         search("");
-        QCOMPARE(rows().size(), 5);
+        QCOMPARE(screen.rows("lstRef").size(), 5);
         search("n_");
         QCOMPARE(names(), QStringList({"Land_registry", "Zoning board"}));
         screen.type("txtSearchName", "0%o");
@@ -164,7 +162,7 @@ class TestReferences : public QObject {
         // Edit keeps the box as the user left it: an empty search lists all.
         screen.press(1);
         QVERIFY(searchText->isEnabled());
-        QCOMPARE(rows().size(), 5);
+        QCOMPARE(screen.rows("lstRef").size(), 5);
         showAll->setChecked(true);
         QVERIFY(!searchText->isEnabled());
         QCOMPARE(messages(), QStringList());
@@ -181,7 +179,7 @@ class TestReferences : public QObject {
             "insert into \"References\" values(7,'  Notary  ','  two\nlines  ','  https://n.example  ',1)");
         addRow(40000, "Far", "https://far.example");
         screen.press(1);
-        dblClick("Notary");
+        screen.dblClick("lstRef", "Notary", 1);
         QVERIFY(!screen.isShown("fraList"));
         QCOMPARE(screen->CurrentRowID, 7);
         QCOMPARE(screen.values("txtRefName txtParticulars txtLink"),
@@ -190,7 +188,7 @@ class TestReferences : public QObject {
         screen.type("txtLink", "https://notary.example");
         screen.press(1);
         QVERIFY(screen.isShown("fraList"));
-        dblClick("Far");
+        screen.dblClick("lstRef", "Far", 1);
         QCOMPARE(messages(), QStringList({"16:Overflow"}));
         QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("OnlineLink", 7), QStringLiteral("https://notary.example"));

@@ -32,10 +32,7 @@ class TestFileRegister : public QObject {
     std::unique_ptr<testsupport::TestEnvironment> env;
     testsupport::Screen<frmFile> screen;
 
-    platform::ListView* list() const { return screen.ctl<platform::ListView>("lstFile"); }
     // The rows of the list as "key|number|particulars".
-    QStringList rows() const { return screen.rows("lstFile"); }
-    void dblClick(const QString& number) const { screen.dblClick("lstFile", number, 1); }
     void enter(const QString& number, const QString& particulars) const {
         screen.type("txtFileNo", number);
         screen.type("txtParticulars", particulars);
@@ -65,7 +62,7 @@ class TestFileRegister : public QObject {
         screen.press(1);
         QVERIFY(screen.isShown("lstFile"));
         QCoreApplication::processEvents();
-        const QRect cover = list()->geometry();
+        const QRect cover = screen.ctl<platform::ListView>("lstFile")->geometry();
         // Compared in the window's coordinates, since the boxes lie in a panel of their own.
         const auto inWindow = [&](const char* name) {
             QWidget* box = screen.ctl(name);
@@ -80,11 +77,11 @@ class TestFileRegister : public QObject {
             QVERIFY(!cover.intersects(screen->cmd(i)->geometry()));
             QVERIFY(w->rect().contains(screen->cmd(i)->geometry()));
         }
-        QCOMPARE(screen.focus(), list());
+        QCOMPARE(screen.focus(), screen.ctl<platform::ListView>("lstFile"));
 
         // Tab from the list reaches the buttons, never the covered boxes.
         QStringList visited;
-        QWidget* at = list();
+        QWidget* at = screen.ctl<platform::ListView>("lstFile");
         for (int i = 0; i < 7; ++i) {
             at = at->nextInFocusChain();
             while (!(at->focusPolicy() & Qt::TabFocus) || !w->isAncestorOf(at) || !at->isVisibleTo(w))
@@ -95,8 +92,8 @@ class TestFileRegister : public QObject {
                  QStringList({"cmd(0)", "cmd(1)", "cmd(2)", "cmd(3)", "cmd(4)", "lstFile", "cmd(0)"}));
 
         // Arrow to the row and Enter loads it; the boxes take the keyboard again.
-        QTest::keyClick(list(), Qt::Key_Down);
-        QTest::keyClick(list(), Qt::Key_Return);
+        QTest::keyClick(screen.ctl<platform::ListView>("lstFile"), Qt::Key_Down);
+        QTest::keyClick(screen.ctl<platform::ListView>("lstFile"), Qt::Key_Return);
         QVERIFY(screen->EditMode);
         QVERIFY(!screen.isShown("lstFile"));
         QCOMPARE(screen.focus(), screen.ctl("txtFileNo"));
@@ -137,12 +134,12 @@ class TestFileRegister : public QObject {
 
         // An edited row may keep its own number, but not take another's.
         screen.press(1);
-        dblClick("A-7");
+        screen.dblClick("lstFile", "A-7", 1);
         screen.type("txtParticulars", "Leases and deeds");
         QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("Particulars", 2), QStringLiteral("Leases and deeds"));
         screen.press(1);
-        dblClick("A-7");
+        screen.dblClick("lstFile", "A-7", 1);
         screen.type("txtFileNo", "F-002");
         QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
         QVERIFY(screen->EditMode);
@@ -175,14 +172,14 @@ class TestFileRegister : public QObject {
         enter("typed", "kept");
 
         screen.press(1);
-        QCOMPARE(rows(), QStringList({"2|10|Ten", "1|9|Nine", "3|B-2|Two"}));
+        QCOMPARE(screen.rows("lstFile"), QStringList({"2|10|Ten", "1|9|Nine", "3|B-2|Two"}));
         // Edit does not touch what was typed, and a second Edit fills afresh.
         QCOMPARE(screen.text("txtFileNo"), QStringLiteral("typed"));
         env->exec("insert into File values(4,'1','One',1)");
         screen.press(1);
-        QCOMPARE(rows(), QStringList({"4|1|One", "2|10|Ten", "1|9|Nine", "3|B-2|Two"}));
+        QCOMPARE(screen.rows("lstFile"), QStringList({"4|1|One", "2|10|Ten", "1|9|Nine", "3|B-2|Two"}));
 
-        dblClick("10");
+        screen.dblClick("lstFile", "10", 1);
         QVERIFY(screen->EditMode);
         QCOMPARE(screen->CurrentRowID, 2);
         QCOMPARE(screen.values("txtFileNo txtParticulars"), QStringLiteral("10|Ten"));
@@ -195,20 +192,20 @@ class TestFileRegister : public QObject {
     void theDoubleClickReadsTheKeyThroughSixteenBits() {
         screen->Show();
         screen.press(1);
-        emit list()->DblClick(); // empty list: nothing
+        emit screen.ctl<platform::ListView>("lstFile")->DblClick(); // empty list: nothing
         QCOMPARE(messages(), QStringList());
 
         env->exec("insert into File values(40000,'Big','Past the limit',1),(32767,'Edge','At the limit',1)");
         screen.press(1);
-        dblClick("Big");
+        screen.dblClick("lstFile", "Big", 1);
         QCOMPARE(messages(), QStringList({"16:Overflow"}));
         QVERIFY(!screen->EditMode);
         QVERIFY(screen.isShown("lstFile"));
-        list()->setCurrentIndex(QModelIndex());
-        emit list()->DblClick();
+        screen.ctl<platform::ListView>("lstFile")->setCurrentIndex(QModelIndex());
+        emit screen.ctl<platform::ListView>("lstFile")->DblClick();
         QCOMPARE(messages().size(), 1);
 
-        dblClick("Edge");
+        screen.dblClick("lstFile", "Edge", 1);
         QCOMPARE(screen->CurrentRowID, 32767);
         QCOMPARE(screen.text("txtParticulars"), QStringLiteral("At the limit"));
         QCOMPARE(messages(), QStringList());
@@ -220,9 +217,9 @@ class TestFileRegister : public QObject {
         screen.press(1);
         QCOMPARE(testsupport::messageKinds(), QStringList({"16:"}));
         QVERIFY(screen.isShown("lstFile"));
-        QCOMPARE(rows(), QStringList({"1|A-1|First"}));
+        QCOMPARE(screen.rows("lstFile"), QStringList({"1|A-1|First"}));
         QVERIFY(!GenMod::Conn);
-        dblClick("A-1");
+        screen.dblClick("lstFile", "A-1", 1);
         QCOMPARE(screen->CurrentRowID, 1);
         QCOMPARE(messages(), QStringList());
     }
@@ -232,7 +229,7 @@ class TestFileRegister : public QObject {
         env->exec("insert into File values(1,'F-001','Tax returns',1)");
         screen->Show();
         screen.press(1);
-        dblClick("F-001");
+        screen.dblClick("lstFile", "F-001", 1);
         screen.type("txtParticulars", "Changed but not saved");
         screen.press(3);
         QVERIFY(!screen->isLoaded());

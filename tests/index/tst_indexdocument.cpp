@@ -26,8 +26,6 @@ class TestIndexDocument : public QObject {
     std::unique_ptr<testsupport::TestEnvironment> env;
     testsupport::Screen<frmIndexDocument> screen;
 
-    platform::DatePicker* picker(const char* name) const { return screen.ctl<platform::DatePicker>(name); }
-    QStringList rows() const { return screen.rows("lstDocs"); }
     void browse(const QString& path) const {
         platform::test::nextOpenFile(path);
         screen.press(4);
@@ -169,14 +167,15 @@ class TestIndexDocument : public QObject {
         const QString title = QStringLiteral("Łódź – 東京 ") + QString(186, QLatin1Char('t'));
         screen.paste("txtTitle1", title);
         screen.paste("txtRemarks", remarks);
-        picker("dtpDocDate")->setValue(QDate(2026, 3, 5));
-        picker("dtpFollowUp")->setValue(QDate(2025, 9, 30)); // "Sept" here
+        screen.ctl<platform::DatePicker>("dtpDocDate")->setValue(QDate(2026, 3, 5));
+        screen.ctl<platform::DatePicker>("dtpFollowUp")->setValue(QDate(2025, 9, 30)); // "Sept" here
         QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("DocDate||'|'||FollowupDate||'|'||FilePath", 1),
                  QStringLiteral("2026-03-05|2025-09-30|/home/office/Scans/lease.PDF"));
 
         screen.press(1);
-        QCOMPARE(rows(), QStringList({QStringLiteral("1|%1||05/Mar/2026|30/Sept/2025|").arg(title)}));
+        QCOMPARE(screen.rows("lstDocs"),
+                 QStringList({QStringLiteral("1|%1||05/Mar/2026|30/Sept/2025|").arg(title)}));
         screen.dblClick("lstDocs", "1");
         QCOMPARE(screen.values("txtTitle1 txtRemarks dtpFollowUp"), title + "|" + remarks + "|2025-09-30");
         screen.type("txtTitle1", "O'Brien lease");
@@ -236,11 +235,11 @@ class TestIndexDocument : public QObject {
         screen.press(1);
         QVERIFY(screen.isShown("lstDocs"));
         QCOMPARE(screen.text("txtTitle2"), QString());
-        QCOMPARE(rows(), QStringList({"2|Newest||05/Mar/2026|05/Mar/2026|p2",
-                                      "3|Middle|second|01/Jun/2025|01/Jun/2025|p3",
-                                      "1|Oldest||10/Jan/2024|10/Jan/2024|p1"}));
+        QCOMPARE(screen.rows("lstDocs"), QStringList({"2|Newest||05/Mar/2026|05/Mar/2026|p2",
+                                                      "3|Middle|second|01/Jun/2025|01/Jun/2025|p3",
+                                                      "1|Oldest||10/Jan/2024|10/Jan/2024|p1"}));
         screen.press(1);
-        QCOMPARE(rows().size(), 3);
+        QCOMPARE(screen.rows("lstDocs").size(), 3);
 
         screen.dblClick("lstDocs", "3");
         QVERIFY(!screen.isShown("lstDocs"));
@@ -278,14 +277,14 @@ class TestIndexDocument : public QObject {
         screen->Show();
         QCOMPARE(screen.pressed(1), QStringList({"16:Invalid use of Null"}));
         QVERIFY(screen.isShown("lstDocs"));
-        QCOMPARE(rows(), QStringList({"1|First||01/Jan/2026|01/Jan/2026|p1"}));
+        QCOMPARE(screen.rows("lstDocs"), QStringList({"1|First||01/Jan/2026|01/Jan/2026|p1"}));
         // In the load the Null only leaves the field empty.
         screen.dblClick("lstDocs", "1");
         env->exec("update Vorlane set Title1=NULL, DocDate=NULL where IndexID=1");
         screen.press(1);
         screen.press(1); // the message of the first row again, the list empty
         messages();
-        QCOMPARE(rows(), QStringList());
+        QCOMPARE(screen.rows("lstDocs"), QStringList());
         QTest::keyClick(screen.ctl("lstDocs"), Qt::Key_Return);
         QCOMPARE(messages(), QStringList());
     }
@@ -300,7 +299,7 @@ class TestIndexDocument : public QObject {
         screen.press(1);
         QCOMPARE(messages().size(), 1);
         QVERIFY(screen.isShown("lstDocs"));
-        QCOMPARE(rows().size(), 1);
+        QCOMPARE(screen.rows("lstDocs").size(), 1);
         screen.dblClick("lstDocs", "1");
         QCOMPARE(messages().size(), 1);
         QVERIFY(screen.isShown("lstDocs"));

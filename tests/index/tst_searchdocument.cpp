@@ -36,10 +36,6 @@ class TestSearchDocument : public QObject {
     std::unique_ptr<testsupport::TestEnvironment> env;
     testsupport::Screen<frmSearchDocument> screen;
 
-    platform::DatePicker* picker(const char* name) const { return screen.ctl<platform::DatePicker>(name); }
-    QStringList rows() const { return screen.rows("lstList"); }
-    void search() const { screen.press("cmdSearch"); }
-    QString count() const { return screen.ctl<QLabel>("lblNoOfRecords")->text(); }
     // The statement and the sentence of the controls as they stand.
     QPair<QString, QString> built() const {
         const QString statement = screen->BuildSearchStatement();
@@ -92,13 +88,13 @@ class TestSearchDocument : public QObject {
         alone([&] { screen.type("txtRemarks", "rent"); }, "I.remarks like '%rent%'", " Remarks : rent");
         alone(
             [&] {
-                picker("dtpDocFrom")->setValue(QDate(2026, 3, 5));
-                picker("dtpDocTo")->setValue(QDate(2027, 1, 9));
+                screen.ctl<platform::DatePicker>("dtpDocFrom")->setValue(QDate(2026, 3, 5));
+                screen.ctl<platform::DatePicker>("dtpDocTo")->setValue(QDate(2027, 1, 9));
             },
             "I.DocDate >= #05-Mar-26# and I.DocDate <=#09-Jan-27#",
             " Document date between : 05-Mar-2026 and 09-Jan-2027");
         // The follow-up range's sentence reads the document-date pickers, empty here.
-        alone([&] { picker("dtpFollowUpFrom")->setValue(QDate(2025, 7, 1)); },
+        alone([&] { screen.ctl<platform::DatePicker>("dtpFollowUpFrom")->setValue(QDate(2025, 7, 1)); },
               "I.FollowupDate >= #01-Jul-25# and I.FollowupDate <=#01-Jul-25#",
               " Follow-up date between :  and ");
         alone([&] { screen.pick("cboFileNo", "F-002"); }, "I.FileID=2", " File Number : F-002");
@@ -115,8 +111,8 @@ class TestSearchDocument : public QObject {
     // From is copied to To, Null included; a To cleared while From holds a date takes it
     // again; To alone switches nothing on but the Where.
     void theRangesStayTwoSided() {
-        auto* from = picker("dtpDocFrom");
-        auto* to = picker("dtpDocTo");
+        auto* from = screen.ctl<platform::DatePicker>("dtpDocFrom");
+        auto* to = screen.ctl<platform::DatePicker>("dtpDocTo");
         from->checkBox()->setChecked(true); // the user ticks From
         QCOMPARE(to->Value(), from->Value());
         from->setValue(QDate(2024, 1, 1));
@@ -127,8 +123,8 @@ class TestSearchDocument : public QObject {
         from->checkBox()->setChecked(false);
         QVERIFY(!to->Value().isValid());
 
-        picker("dtpFollowUpTo")->setValue(QDate(2025, 1, 1));
-        QVERIFY(!picker("dtpFollowUpFrom")->Value().isValid());
+        screen.ctl<platform::DatePicker>("dtpFollowUpTo")->setValue(QDate(2025, 1, 1));
+        QVERIFY(!screen.ctl<platform::DatePicker>("dtpFollowUpFrom")->Value().isValid());
         QCOMPARE(built().first, Base + QStringLiteral("Where ") + Order);
     }
 
@@ -137,29 +133,30 @@ class TestSearchDocument : public QObject {
     void searchCountRefusalAndReset() {
         screen.pick("cboDocCategory", "Legal");
         screen.pick("cboDocSubCategory", "Leases");
-        search();
+        screen.press("cmdSearch");
         QCOMPARE(messages(), QStringList());
-        QCOMPARE(rows(),
+        QCOMPARE(screen.rows("lstList"),
                  QStringList({"3|Lease renewal||01/Jun/2025|01/Jul/2025|p3||F-001|/d/3.pdf",
                               "1|Lease O`Brien|shop|05/Mar/2026|01/Apr/2026|p1|rent|F-002|/d/1.pdf"}));
-        QCOMPARE(count(), QStringLiteral("(2 Record/s found)"));
+        QCOMPARE(screen.ctl<QLabel>("lblNoOfRecords")->text(), QStringLiteral("(2 Record/s found)"));
 
         screen->ResetSearchForm();
         screen.type("txtTitle1", "   ");
-        search();
+        screen.press("cmdSearch");
         QCOMPARE(messages().size(), 1);
-        QCOMPARE(count(), QStringLiteral("(0 Record/s found)")); // Reset emptied the list
+        QCOMPARE(screen.ctl<QLabel>("lblNoOfRecords")->text(),
+                 QStringLiteral("(0 Record/s found)")); // Reset emptied the list
         screen.type("txtTitle1", "lease");
-        search();
-        QCOMPARE(rows().size(), 2);
+        screen.press("cmdSearch");
+        QCOMPARE(screen.rows("lstList").size(), 2);
         screen.paste("txtTitle1", "   ");
-        search();
+        screen.press("cmdSearch");
         QCOMPARE(messages().size(), 1);
-        QCOMPARE(rows().size(), 2);
+        QCOMPARE(screen.rows("lstList").size(), 2);
 
         screen->ResetSearchForm();
-        QCOMPARE(count(), QStringLiteral("(2 Record/s found)"));
-        QCOMPARE(rows(), QStringList());
+        QCOMPARE(screen.ctl<QLabel>("lblNoOfRecords")->text(), QStringLiteral("(2 Record/s found)"));
+        QCOMPARE(screen.rows("lstList"), QStringList());
         QVERIFY(screen.text("txtTitle1").isEmpty());
         QCOMPARE(screen.choice("cboDocSubCategory"), QString());
         QCOMPARE(screen.items("cboDocSubCategory"), QStringList({"Leases"}));
@@ -169,21 +166,21 @@ class TestSearchDocument : public QObject {
     // A criterion of any length is searched or refused with a message, and the screen goes on.
     void aVeryLongCriterion() {
         screen.paste("txtRemarks", QString(10000, QLatin1Char('r')));
-        search();
+        screen.press("cmdSearch");
         QVERIFY(messages().size() <= 1);
-        QCOMPARE(rows(), QStringList());
+        QCOMPARE(screen.rows("lstList"), QStringList());
         screen.paste("txtRemarks", "rent");
-        search();
-        QCOMPARE(rows().size(), 1);
+        screen.press("cmdSearch");
+        QCOMPARE(screen.rows("lstList").size(), 1);
     }
 
     // A document whose file is gone has no file number: the list ends before it.
     void aDocumentWithoutItsFileEndsTheList() {
         env->exec("update Vorlane set FileID=99 where IndexID=3");
-        search();
+        screen.press("cmdSearch");
         QCOMPARE(messages(), QStringList({"16:Invalid use of Null"}));
-        QCOMPARE(rows().size(), 1);
-        QCOMPARE(count(), QStringLiteral("(1 Record/s found)"));
+        QCOMPARE(screen.rows("lstList").size(), 1);
+        QCOMPARE(screen.ctl<QLabel>("lblNoOfRecords")->text(), QStringLiteral("(1 Record/s found)"));
     }
 
     // The print copies the listed rows one column off and prints them under the sentence of
@@ -194,7 +191,7 @@ class TestSearchDocument : public QObject {
         QCOMPARE(env->count("PrintSearchResult"), 0);
 
         screen.type("txtTitle1", "lease");
-        search();
+        screen.press("cmdSearch");
         screen.type("txtBookmark", "p1");
         QCOMPARE(screen.pressed(2), QStringList());
         QCOMPARE(env->count("PrintSearchResult"), 2);
@@ -210,7 +207,7 @@ class TestSearchDocument : public QObject {
         // A failing copy leaves the rows of the last print.
         env->refuse("insert", "PrintSearchResult", "refused", "Title1", "3");
         screen->ResetSearchForm();
-        search();
+        screen.press("cmdSearch");
         QCOMPARE(screen.pressed(2), QStringList({"16:refused"}));
         QCOMPARE(env->count("PrintSearchResult"), 2);
         env->allow("PrintSearchResult");
@@ -220,7 +217,7 @@ class TestSearchDocument : public QObject {
         env->exec("insert into FieldCaptions values('Section','Matter','Area','Topic','Invoice No','Party')");
         screen->Show();
         QCOMPARE(screen.ctl<QLabel>("lblTitle1")->text(), QStringLiteral("Invoice No :"));
-        search();
+        screen.press("cmdSearch");
         screen.press(2);
         QCOMPARE(env->count("PrintSearchResult"), 3);
         QCOMPARE(printed("ReportHeader", "lblQuery"), QStringLiteral("All Records"));
@@ -251,7 +248,7 @@ class TestSearchDocument : public QObject {
         for (const auto& [path, outcome] : cases) {
             env->exec(QStringLiteral("update Vorlane set FilePath='%1' where IndexID=1")
                           .arg(QString(path).replace(QLatin1Char('\''), QStringLiteral("''"))));
-            search();
+            screen.press("cmdSearch");
             screen.dblClick("lstList", "1");
             const QStringList told = messages() + platform::test::takeStartedCommands();
             QCOMPARE(told, outcome.isEmpty() ? QStringList() : QStringList({outcome}));
@@ -262,7 +259,7 @@ class TestSearchDocument : public QObject {
         Session::saveSetting(QStringLiteral("PDF"), QStringLiteral("/no/such/viewer"));
         screen.dblClick("lstList", "1");
         QCOMPARE(messages(), QStringList({NoViewer}));
-        QCOMPARE(rows().size(), 3);
+        QCOMPARE(screen.rows("lstList").size(), 3);
         platform::test::setShellChecksProgram(false);
     }
 };

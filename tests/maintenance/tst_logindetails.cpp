@@ -26,9 +26,6 @@ class TestLoginDetails : public QObject {
 
     // The View, Save and Modify boxes, "0|1|0" for Save.
     QString boxes() const { return screen.values("chkView chkAdd chkEdit"); }
-    void clickCaption(const char* label) const {
-        QTest::mouseClick(screen.ctl<QLabel>(label), Qt::LeftButton);
-    }
 
     void addUser(int id, const QString& name, const QString& password, const char* rights) const {
         env->exec(QStringLiteral("insert into Logins values(%1,'%2','%3',%4,1)")
@@ -100,13 +97,13 @@ class TestLoginDetails : public QObject {
         screen.ctl<QCheckBox>("chkEdit")->click();
         QCOMPARE(boxes(), QStringLiteral("0|0|1"));
         // A caption flips its box and the rest follows as for a click on the box.
-        clickCaption("lblView");
+        screen.click("lblView");
         QCOMPARE(boxes(), QStringLiteral("1|0|0"));
-        clickCaption("lblView");
+        screen.click("lblView");
         QCOMPARE(boxes(), QStringLiteral("0|0|0"));
-        clickCaption("lblSave");
+        screen.click("lblSave");
         QCOMPARE(boxes(), QStringLiteral("0|1|0"));
-        clickCaption("lblModify");
+        screen.click("lblModify");
         QCOMPARE(boxes(), QStringLiteral("0|0|1"));
         // Set from code, as a loaded row sets them: the later box wins.
         addUser(2, "both", "pw", "1,0,1");
@@ -150,7 +147,7 @@ class TestLoginDetails : public QObject {
                  (QStringList{"48:Please specify User name.", "48:Please specify User name.",
                               "48:Please specify Password.", "48:Please specify Data rights."}));
         QCOMPARE(screen.text("txtUserName"), QStringLiteral("clerk")); // the fields stay
-        clickCaption("lblModify");
+        screen.click("lblModify");
         QCOMPARE(screen.pressed(2), QStringList{Saved});
         QCOMPARE(rights(2), QStringLiteral("001"));
         QCOMPARE(boxes(), QStringLiteral("1|0|0"));
@@ -174,7 +171,7 @@ class TestLoginDetails : public QObject {
         screen.press(1);
         screen.dblClick("lstUsers", "clerk");
         screen.type("txtPassword", "new secret");
-        clickCaption("lblModify");
+        screen.click("lblModify");
         QCOMPARE(screen.pressed(2), QStringList{Saved});
         QVERIFY(!screen->EditMode);
         QCOMPARE(rights(2), QStringLiteral("001"));

@@ -9,6 +9,10 @@
 
 namespace testsupport {
 
+void click(const Form& form, const QString& name) {
+    QTest::mouseClick(ctl(form, name), Qt::LeftButton);
+}
+
 void press(const Form& form, int index) {
     press(form, QStringLiteral("cmd(%1)").arg(index));
 }

@@ -21,6 +21,8 @@ template <class T = QWidget> T* ctl(const Form& form, const QString& name) {
     return found;
 }
 
+// Clicks a control with the mouse, such as the caption of a check box.
+void click(const Form& form, const QString& name);
 // Presses a button: cmd(index) of the screen's action buttons, or a button by its name.
 void press(const Form& form, int index);
 void press(const Form& form, const QString& button);
@@ -64,6 +66,7 @@ template <class F> class Screen {
     template <class T = QWidget> T* ctl(const QString& name) const {
         return testsupport::ctl<T>(form(), name);
     }
+    void click(const QString& name) const { testsupport::click(form(), name); }
     void press(int index) const { testsupport::press(form(), index); }
     void press(const QString& button) const { testsupport::press(form(), button); }
     QStringList pressed(int index) const { return testsupport::pressed(form(), index); }
