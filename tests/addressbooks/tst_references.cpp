@@ -1,10 +1,7 @@
-// The internet references driven by their controls: rights and the two required fields, the
-// duplicate test with its quote swap for new rows only, the search panel, the load through the
-// hidden key, long and foreign text, printing, a missing database and two seats at once.
+// The internet references driven by their controls: the two required fields, the duplicate
+// test with its quote swap for new rows only, the search panel, the load through the hidden
+// key, and printing.
 #include "addressbooks/frmReferences.h"
-#include "app/MDI.h"
-#include "app/Startup.h"
-#include "datastore/Ado.h"
 #include "reports/Reports.h"
 #include "session/GenMod.h"
 #include "support/ScreenDriver.h"
@@ -13,8 +10,6 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMdiSubWindow>
-#include <QPlainTextEdit>
 #include <QtTest>
 
 using testsupport::messages;
@@ -23,57 +18,6 @@ namespace {
 
 const QString Saved = QStringLiteral("64:Saved Successfully.");
 const QString Duplicate = QStringLiteral("48:Duplicate Reference details not allowed.");
-
-frmReferences& form() {
-    return frmReferences::instance();
-}
-
-template <class T> T* ctl(const char* name) {
-    return testsupport::ctl<T>(form(), QString::fromLatin1(name));
-}
-
-void press(int index) {
-    testsupport::press(form(), index);
-}
-
-void type(const char* box, const QString& text) {
-    testsupport::type(form(), QString::fromLatin1(box), text);
-}
-
-QString text(const char* box) {
-    return testsupport::text(form(), QString::fromLatin1(box));
-}
-
-void enter(const QString& name, const QString& particulars, const QString& link) {
-    type("txtRefName", name);
-    ctl<QPlainTextEdit>("txtParticulars")->setPlainText(particulars);
-    type("txtLink", link);
-}
-
-bool panelShown() {
-    return testsupport::isShown(form(), QStringLiteral("fraList"));
-}
-
-// The rows of the list as "key|name|link".
-QStringList rows() {
-    return testsupport::listRows(form(), QStringLiteral("lstRef"));
-}
-
-QStringList names() {
-    QStringList out;
-    for (const QString& row : rows())
-        out << row.section(QLatin1Char('|'), 1, 1);
-    return out;
-}
-
-void dblClick(const QString& name) {
-    testsupport::dblClick(form(), QStringLiteral("lstRef"), name, 1);
-}
-
-void search(const QString& part) {
-    type("txtSearchName", part);
-    testsupport::press(form(), QStringLiteral("cmdSearch"));
-}
 
 QStringList printedNames() {
     QStringList out;
@@ -87,7 +31,24 @@ QStringList printedNames() {
 class TestReferences : public QObject {
     Q_OBJECT
     std::unique_ptr<testsupport::TestEnvironment> env;
+    testsupport::Screen<frmReferences> screen;
 
+    void enter(const QString& name, const QString& particulars, const QString& link) const {
+        screen.type("txtRefName", name);
+        screen.paste("txtParticulars", particulars);
+        screen.type("txtLink", link);
+    }
+    // The names in the list.
+    QStringList names() const {
+        QStringList out;
+        for (const QString& row : screen.rows("lstRef"))
+            out << row.section(QLatin1Char('|'), 1, 1);
+        return out;
+    }
+    void search(const QString& part) const {
+        screen.type("txtSearchName", part);
+        screen.press("cmdSearch");
+    }
     QString stored(const char* column, int id) const {
         return env->scalar(QStringLiteral("select %1 from \"References\" where RefID=%2").arg(column).arg(id))
             .toString();
@@ -98,97 +59,24 @@ class TestReferences : public QObject {
     }
 
   private slots:
-    // The report's data environment starts empty too.
-    void init() {
-        reports::VorlaneDE::instance().reset();
-        env = testsupport::startRecordCase(form());
-    }
-    void cleanup() {
-        reports::VorlaneDE::instance().reset();
-        testsupport::endRecordCase(form(), env);
-    }
+    void init() { env = testsupport::startCase(); }
+    void cleanup() { testsupport::endCase(env); }
 
-    void theScreenAsDesigned() {
-        // It opens without the data store.
-        env->removeDatabase();
-        form().Show();
-        QCOMPARE(messages(), QStringList());
-        QCOMPARE(form().window()->windowTitle(), QStringLiteral("Internet References"));
-        const QList<std::pair<const char*, const char*>> captions = {
-            {"lblName", "Reference Name :"},
-            {"Label1", "Particulars :"},
-            {"lblPhone", "Online Link :"},
-            {"lblSearchRef", "Reference Name containing :"},
-            {"lblShowAll", "Show all"}};
-        for (const auto& [label, caption] : captions)
-            QCOMPARE(ctl<QLabel>(label)->text(), QString::fromLatin1(caption));
-        QCOMPARE(ctl<QLabel>("Label1")->buddy(), ctl<QPlainTextEdit>("txtParticulars"));
-        QCOMPARE(ctl<QLineEdit>("txtLink")->toolTip(),
-                 QStringLiteral("Paste here links copied from your browsers address bar"));
-        const QStringList buttons{"Reset", "Edit", "Save", "Close", "Print List"};
-        for (int i = 0; i < buttons.size(); ++i)
-            QCOMPARE(form().cmd(i)->text(), buttons[i]);
-        QVERIFY(!panelShown());
-        QVERIFY(ctl<QCheckBox>("chkShowAll")->isChecked());
-        auto* list = ctl<platform::ListView>("lstRef");
-        QCOMPARE(list->toolTip(), QStringLiteral("Double click a record to edit"));
-        QCOMPARE(list->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("Ref ID"));
-        QCOMPARE(list->model()->headerData(2, Qt::Horizontal).toString(), QStringLiteral("Online Link"));
-        QVERIFY(list->isColumnHidden(0));
-
-        // The panel covers the fields and leaves the buttons free; Tab walks the panel.
-        env->createDatabase();
-        press(1);
-        QVERIFY(panelShown());
-        QWidget* w = form().window();
-        w->resize(w->sizeHint());
-        QCoreApplication::processEvents();
-        const QRect cover = ctl<QFrame>("fraList")->geometry();
-        for (const char* box : {"txtRefName", "txtParticulars", "txtLink"}) {
-            QWidget* field = ctl<QWidget>(box);
-            QVERIFY(cover.contains(QRect(field->mapTo(w, QPoint(0, 0)), field->size())));
-        }
-        for (int i = 0; i < 5; ++i)
-            QVERIFY(!cover.intersects(form().cmd(i)->geometry()));
-        QCOMPARE(w->focusWidget(), list);
-        ctl<QCheckBox>("chkShowAll")->setChecked(false);
-        ctl<QLineEdit>("txtSearchName")->setFocus();
-        QStringList visited;
-        for (int i = 0; i < 5; ++i) {
-            visited << w->focusWidget()->objectName();
-            QTest::keyClick(w->focusWidget(), Qt::Key_Tab);
-        }
-        QCOMPARE(visited, QStringList({"txtSearchName", "cmdSearch", "chkShowAll", "lstRef", "cmd(0)"}));
-    }
-
-    void rightsComeFirstThenNameAndLink() {
-        form().Show();
-        testsupport::setSession(2, QStringLiteral("User"));
-        press(2);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Save or Modify data."}));
-
+    void theNameAndTheLinkAreRequired() {
+        screen->Show();
         testsupport::setSession(3, QStringLiteral("Save"));
         enter("  ", "notes", "https://example.org");
-        press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Reference name."}));
+        QCOMPARE(screen.pressed(2), QStringList({"48:Please specify Reference name."}));
         enter("Tax office", "notes", "   ");
-        press(2);
-        QCOMPARE(messages(), QStringList({"48:Please specify Link."}));
-        QCOMPARE(ctl<QPlainTextEdit>("txtParticulars")->toPlainText(), QStringLiteral("notes"));
+        QCOMPARE(screen.pressed(2), QStringList({"48:Please specify Link."}));
+        QCOMPARE(screen.text("txtParticulars"), QStringLiteral("notes"));
         QCOMPARE(env->count("References"), 0);
 
         enter("  Tax office  ", "", " https://tax.example.gov ");
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("RefName||'|'||Particulars||'|'||OnlineLink||'|'||UpdatedBy", 1),
                  QStringLiteral("Tax office||https://tax.example.gov|3"));
-        QCOMPARE(text("txtRefName"), QString());
-
-        press(1);
-        dblClick("Tax office");
-        type("txtLink", "https://other.example");
-        press(2);
-        QCOMPARE(messages(), QStringList({"48:You donot have rights to Modify data."}));
+        QCOMPARE(screen.text("txtRefName"), QString());
     }
 
     // The name alone is tested, without regard to case; a new name has its quotes swapped
@@ -196,43 +84,34 @@ class TestReferences : public QObject {
     void duplicatesAndQuotes() {
         addRow(1, "Bank", "https://bank.example");
         addRow(2, "Court", "https://court.example");
-        form().Show();
+        screen->Show();
         enter("BANK", "", "https://elsewhere.example");
-        press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
-        QCOMPARE(text("txtRefName"), QStringLiteral("BANK"));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
+        QCOMPARE(screen.text("txtRefName"), QStringLiteral("BANK"));
         QVERIFY(!GenMod::Conn);
         enter("Bank 2", "", "https://bank.example"); // the same link is allowed
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
 
         enter("O'Neil", "Tom's notes", "https://x.example/?q='a'");
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("RefName||'|'||Particulars||'|'||OnlineLink", 4),
                  QStringLiteral("O`Neil|Tom`s notes|https://x.example/?q=`a`"));
         enter("O'Neil", "", "https://y.example");
-        press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
 
         // Loaded rows: unchanged passes; another's name is refused; a quote breaks the test.
-        press(1);
-        dblClick("O`Neil");
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
-        press(1);
-        dblClick("Court");
-        type("txtRefName", "bank");
-        press(2);
-        QCOMPARE(messages(), QStringList({Duplicate}));
-        QVERIFY(form().EditMode);
-        QCOMPARE(form().CurrentRowID, 2);
-        type("txtRefName", "O'Neil");
-        press(2);
-        const QStringList shown = messages();
-        QCOMPARE(shown.size(), 2);
-        QVERIFY2(shown[0].startsWith("16:"), qPrintable(shown[0]));
-        QCOMPARE(shown[1], Saved);
+        screen.press(1);
+        screen.dblClick("lstRef", "O`Neil", 1);
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
+        screen.press(1);
+        screen.dblClick("lstRef", "Court", 1);
+        screen.type("txtRefName", "bank");
+        QCOMPARE(screen.pressed(2), QStringList({Duplicate}));
+        QVERIFY(screen->EditMode);
+        QCOMPARE(screen->CurrentRowID, 2);
+        screen.type("txtRefName", "O'Neil");
+        screen.press(2);
+        QCOMPARE(testsupport::messageKinds(), QStringList({"16:", Saved}));
         QCOMPARE(env->scalar("select count(*) from \"References\" where RefName='O`Neil'").toInt(), 2);
     }
 
@@ -245,156 +124,119 @@ class TestReferences : public QObject {
         addRow(3, "The ABC of tax", "https://t.example");
         addRow(4, "50% off", "https://p.example");
         addRow(5, "Land_registry", "https://l.example");
-        form().Show();
-        press(1);
+        screen->Show();
+        screen.press(1);
         QCOMPARE(names(),
                  QStringList({"50% off", "abc Motors", "Land_registry", "The ABC of tax", "Zoning board"}));
-        QCOMPARE(rows().first(), QStringLiteral("4|50% off|https://p.example"));
-        auto* searchText = ctl<QLineEdit>("txtSearchName");
+        QCOMPARE(screen.rows("lstRef").first(), QStringLiteral("4|50% off|https://p.example"));
+        auto* searchText = screen.ctl<QLineEdit>("txtSearchName");
+        auto* showAll = screen.ctl<QCheckBox>("chkShowAll");
         QVERIFY(!searchText->isEnabled());
 
-        QTest::mouseClick(ctl<QLabel>("lblShowAll"), Qt::LeftButton);
-        QVERIFY(!ctl<QCheckBox>("chkShowAll")->isChecked());
+        screen.click("lblShowAll");
+        QVERIFY(!showAll->isChecked());
         QVERIFY(searchText->isEnabled());
         search("abc");
         QCOMPARE(names(), QStringList({"abc Motors", "The ABC of tax"}));
         search("");
-        QCOMPARE(rows().size(), 5);
+        QCOMPARE(screen.rows("lstRef").size(), 5);
         search("n_");
         QCOMPARE(names(), QStringList({"Land_registry", "Zoning board"}));
-        type("txtSearchName", "0%o");
+        screen.type("txtSearchName", "0%o");
         QTest::keyClick(searchText, Qt::Key_Return); // Enter searches too
         QCOMPARE(names(), QStringList({"50% off"}));
         search("it's");
-        const QStringList shown = messages();
-        QCOMPARE(shown.size(), 1);
-        QVERIFY2(shown[0].startsWith("16:"), qPrintable(shown[0]));
+        QCOMPARE(testsupport::messageKinds(), QStringList({"16:"}));
         QCOMPARE(names(), QStringList({"50% off"}));
         QVERIFY(!GenMod::Conn);
 
         // Reset: the text goes, the box keeps its value, the rows stay for the next Edit.
-        type("txtRefName", "typed");
+        screen.type("txtRefName", "typed");
         search("tax");
-        press(0);
-        QVERIFY(!panelShown());
+        screen.press(0);
+        QVERIFY(!screen.isShown("fraList"));
         QCOMPARE(searchText->text(), QString());
-        QCOMPARE(text("txtRefName"), QString());
-        QVERIFY(!ctl<QCheckBox>("chkShowAll")->isChecked());
+        QCOMPARE(screen.text("txtRefName"), QString());
+        QVERIFY(!showAll->isChecked());
         QCOMPARE(names(), QStringList({"The ABC of tax"}));
         // Edit keeps the box as the user left it: an empty search lists all.
-        press(1);
+        screen.press(1);
         QVERIFY(searchText->isEnabled());
-        QCOMPARE(rows().size(), 5);
-        ctl<QCheckBox>("chkShowAll")->setChecked(true);
+        QCOMPARE(screen.rows("lstRef").size(), 5);
+        showAll->setChecked(true);
         QVERIFY(!searchText->isEnabled());
         QCOMPARE(messages(), QStringList());
     }
 
     // Edit over a loaded row keeps it: Save updates it, whatever the panel shows.
     void theLoadAndItsSixteenBitKey() {
-        form().Show();
-        press(1);
-        emit ctl<platform::ListView>("lstRef")->DblClick(); // empty list: nothing
+        screen->Show();
+        screen.press(1);
+        emit screen.ctl<platform::ListView>("lstRef")->DblClick(); // empty list: nothing
         QCOMPARE(messages(), QStringList());
 
         env->exec(
             "insert into \"References\" values(7,'  Notary  ','  two\nlines  ','  https://n.example  ',1)");
         addRow(40000, "Far", "https://far.example");
-        press(1);
-        dblClick("Notary");
-        QVERIFY(!panelShown());
-        QCOMPARE(form().CurrentRowID, 7);
-        QCOMPARE(text("txtRefName"), QStringLiteral("Notary"));
-        QCOMPARE(ctl<QPlainTextEdit>("txtParticulars")->toPlainText(), QStringLiteral("two\nlines"));
-        QCOMPARE(text("txtLink"), QStringLiteral("https://n.example"));
+        screen.press(1);
+        screen.dblClick("lstRef", "Notary", 1);
+        QVERIFY(!screen.isShown("fraList"));
+        QCOMPARE(screen->CurrentRowID, 7);
+        QCOMPARE(screen.values("txtRefName txtParticulars txtLink"),
+                 QStringLiteral("Notary|two\nlines|https://n.example"));
 
-        type("txtLink", "https://notary.example");
-        press(1);
-        QVERIFY(panelShown());
-        dblClick("Far");
+        screen.type("txtLink", "https://notary.example");
+        screen.press(1);
+        QVERIFY(screen.isShown("fraList"));
+        screen.dblClick("lstRef", "Far", 1);
         QCOMPARE(messages(), QStringList({"16:Overflow"}));
-        press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(2), QStringList({Saved}));
         QCOMPARE(stored("OnlineLink", 7), QStringLiteral("https://notary.example"));
         QCOMPARE(env->count("References"), 2);
-        QVERIFY(!panelShown());
+        QVERIFY(!screen.isShown("fraList"));
     }
 
     void longAndForeignText() {
-        form().Show();
+        screen->Show();
         const QString particulars = QString(10000, QLatin1Char('p'));
         // No box has a limit of its own.
         const QString link = QStringLiteral("https://example.org/") + QString(40000, QLatin1Char('a'));
         const QString name = QStringLiteral("Łódź Ωmega 東京 €");
-        ctl<QLineEdit>("txtRefName")->setText(name);
-        ctl<QPlainTextEdit>("txtParticulars")->setPlainText(particulars);
-        ctl<QLineEdit>("txtLink")->setText(link);
-        press(2);
+        screen.ctl<QLineEdit>("txtRefName")->setText(name);
+        screen.ctl<QPlainTextEdit>("txtParticulars")->setPlainText(particulars);
+        screen.ctl<QLineEdit>("txtLink")->setText(link);
+        screen.press(2);
         QCOMPARE(messages(), QStringList({Saved}));
-        press(1);
-        dblClick(name);
-        QCOMPARE(ctl<QPlainTextEdit>("txtParticulars")->toPlainText(), particulars);
-        QCOMPARE(text("txtLink"), link);
-        QCOMPARE(text("txtRefName"), name);
+        screen.press(1);
+        screen.dblClick("lstRef", name, 1);
+        QCOMPARE(screen.ctl<QPlainTextEdit>("txtParticulars")->toPlainText(), particulars);
+        QCOMPARE(screen.text("txtLink"), link);
+        QCOMPARE(screen.text("txtRefName"), name);
     }
 
-    // Printing reads the whole table anew, whatever the search shows and whoever asks; a
-    // missing database is told, and the screen goes on.
-    void printingAndAMissingDatabase() {
-        form().Show();
+    // The screen opens without the data store. Printing reads the whole table anew, whatever
+    // the search shows and whoever asks.
+    void printing() {
         env->removeDatabase();
-        for (int i : {4, 1, 2}) {
-            enter("Court", "", "https://court.example");
-            press(i);
-            // Printing has the data layer's own words; the screen's routines the connection's.
-            const QStringList told = messages();
-            QCOMPARE(told.size(), 1);
-            QVERIFY2(told[0].startsWith(i == 4 ? "16:" : "48:Database not found"), qPrintable(told[0]));
-        }
-        QCOMPARE(text("txtRefName"), QStringLiteral("Court"));
+        screen->Show();
+        QCOMPARE(messages(), QStringList());
         env->createDatabase();
         addRow(1, "Tax office", "https://tax.example");
         testsupport::setSession(2, QStringLiteral("User"));
-        press(4);
+        screen.press(4);
         QVERIFY(reports::RptInternetRef().isShown());
         QCOMPARE(printedNames(), QStringList({"Tax office"}));
 
         testsupport::setSession(1, QStringLiteral("Modify"));
         enter("Bank", "Current account", "https://bank.example");
-        press(2);
-        press(1);
-        ctl<QCheckBox>("chkShowAll")->setChecked(false);
+        screen.press(2);
+        screen.press(1);
+        screen.ctl<QCheckBox>("chkShowAll")->setChecked(false);
         search("tax");
-        press(4);
-        QCOMPARE(messages(), QStringList({Saved}));
+        QCOMPARE(screen.pressed(4), QStringList({Saved}));
         QCOMPARE(printedNames(), QStringList({"Bank", "Tax office"}));
         QCOMPARE(reports::RptInternetRef().pages().pages[0].textOf("txtParticulars"),
                  QStringList({"Current account"})); // the empty one prints as nothing
-    }
-
-    // Another seat holding the write lock makes this save wait, then take the next key.
-    void twoSeatsNeverShareAKey() {
-        form().Show();
-        enter("Mine", "", "https://mine.example");
-        testsupport::OtherSeat other([](const auto& seat) {
-            seat->Execute("insert into \"References\" values(1,'Theirs','','https://theirs.example',2)");
-        });
-        press(2);
-        QVERIFY(other.finish());
-        QCOMPARE(messages(), QStringList({Saved}));
-        QCOMPARE(stored("RefName", 2), QStringLiteral("Mine"));
-    }
-
-    // The toolbar entry opens the screen inside the main window.
-    void theToolbarOpensIt() {
-        MDI::setOnEnd([] {});
-        wireScreens();
-        MDI::instance().Show();
-        MDI::instance().entryClick(QStringLiteral("ImgInternetRef"));
-        QVERIFY(form().isLoaded());
-        QVERIFY(qobject_cast<QMdiSubWindow*>(form().window()->parentWidget()));
-        form().Unload();
-        MDI::instance().Unload();
     }
 };
 

@@ -363,12 +363,6 @@ void AdoTest::textComparisonIgnoresCase() {
 void AdoTest::refusedStatementsAreNotRun() {
     auto c = openStore();
     QString description;
-    QCOMPARE(errorOf([&] { c->Execute(QStringLiteral("Delete from File; Delete from Logins")); }),
-             db::ErrStatement);
-    QCOMPARE(errorOf([&] { c->Execute(QStringLiteral("Delete from Logins where UserName='a' -- x")); }),
-             db::ErrStatement);
-    QCOMPARE(scalar(c, QStringLiteral("Select count(*) from Logins")).toInt(), 1);
-
     // The engine's own words reach the screens.
     QCOMPARE(
         errorOf([&] { c->Execute(QStringLiteral("Update File set Particulars=John Smith")); }, &description),

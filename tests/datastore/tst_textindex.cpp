@@ -202,81 +202,48 @@ void TextIndexTest::indexFindsWhatTheLikeFinds_data() {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<bool>("indexed");
     QTest::addColumn<QList<qint64>>("expected");
-    using L = QList<qint64>;
-    QTest::newRow("ASCII in other case") << "Title1"
-                                         << "%LeAsE tAx%" << true << L{1, 2};
-    QTest::newRow("percent inside") << "Title1"
-                                    << "%lease%tax%" << true << L{1, 2, 3};
-    QTest::newRow("underscore inside") << "Title1"
-                                       << "%lease_tax%" << true << L{1, 2, 3};
-    QTest::newRow("whole text, no wildcard") << "Title1"
-                                             << "LEASE tax" << true << L{2};
-    QTest::newRow("percent in the text") << "Title1"
-                                         << "%100%%" << true << L{3};
-    QTest::newRow("underscores in the text") << "Title1"
-                                             << "%name_2024%" << true << L{6};
-    QTest::newRow("two letters") << "Title1"
-                                 << "%ta%" << false << L{1, 2, 3, 12, 13, 14};
-    QTest::newRow("no three letters in a row") << "Title1"
-                                               << "%ea_e%" << false << L{1, 2, 3, 21};
-    QTest::newRow("only a wildcard") << "Title2"
-                                     << "%" << false << L{1, 3};
-    QTest::newRow("Straße") << "Title1"
-                            << "%straße%" << true << L{4, 33};
-    QTest::newRow("capital sharp s") << "Title1"
-                                     << "%STRAẞE%" << true << L{4, 33};
-    QTest::newRow("STRASSE") << "Title1"
-                             << "%STRASSE%" << true << L{5, 6};
-    QTest::newRow("French accents") << "Title1"
-                                    << "%élève café%" << true << L{7, 8};
-    QTest::newRow("French without accents") << "Title1"
-                                            << "%ELEVE%" << true << L{9};
-    QTest::newRow("Greek final sigma") << "Title1"
-                                       << "%κώστασ%" << true << L{10, 11};
-    QTest::newRow("Greek capitals") << "Title1"
-                                    << "%ΠΑΠΑΔΌΠΟΥΛΟΣ%" << true << L{10, 11};
-    QTest::newRow("Turkish dotless i") << "Title1"
-                                       << "%ıstanbul%" << true << L{14};
-    QTest::newRow("Turkish dotted capital I") << "Title1"
-                                              << "%İSTANBUL%" << true << L{12};
-    QTest::newRow("Turkish plain i") << "Title1"
-                                     << "%istanbul ş%" << true << L{13};
-    QTest::newRow("Polish") << "Title1"
-                            << "%łódź%" << true << L{15, 16};
-    QTest::newRow("Kelvin sign") << "Title1"
-                                 << "%kelvin%" << true << L{17, 18};
-    QTest::newRow("Kelvin sign in the pattern") << "Title1"
-                                                << "%\u212AELVIN%" << true << L{17, 18};
-    QTest::newRow("ligature") << "Title1"
-                              << "%\uFB01nance%" << true << L{19};
-    QTest::newRow("no ligature") << "Title1"
-                                 << "%finance%" << true << L{20};
-    QTest::newRow("micro sign") << "Title1"
-                                << "%\u00B5g dose%" << true << L{30, 31};
-    QTest::newRow("back-tick") << "Title1"
-                               << "%o`brien%" << true << L{21};
-    QTest::newRow("double quotes") << "Title1"
-                                   << "%say \"hi\"%" << true << L{29};
-    QTest::newRow("old Cyrillic forms") << "Title1"
-                                        << "%договор%" << true << L{22, 23, 24};
-    QTest::newRow("Cherokee") << "Title1"
-                              << "%ᏣᎳᎩ%" << true << L{25, 26};
-    QTest::newRow("Georgian") << "Title1"
-                              << "%საქართველო%" << true << L{27, 28};
-    QTest::newRow("one column only") << "Title2"
-                                     << "%lease tax%" << true << L{3};
-    QTest::newRow("bookmark") << "Bookmark"
-                              << "%LEASE TAX%" << true << L{2};
-    QTest::newRow("remarks, as the screen spells it") << "remarks"
-                                                      << "%bank trans%" << true << L{4};
+    const auto row = [](const char* name, const char* column, const QString& pattern, bool indexed,
+                        const QList<qint64>& expected) {
+        QTest::newRow(name) << QString::fromLatin1(column) << pattern << indexed << expected;
+    };
+    row("ASCII in other case", "Title1", "%LeAsE tAx%", true, {1, 2});
+    row("percent inside", "Title1", "%lease%tax%", true, {1, 2, 3});
+    row("underscore inside", "Title1", "%lease_tax%", true, {1, 2, 3});
+    row("whole text, no wildcard", "Title1", "LEASE tax", true, {2});
+    row("percent in the text", "Title1", "%100%%", true, {3});
+    row("underscores in the text", "Title1", "%name_2024%", true, {6});
+    row("two letters", "Title1", "%ta%", false, {1, 2, 3, 12, 13, 14});
+    row("no three letters in a row", "Title1", "%ea_e%", false, {1, 2, 3, 21});
+    row("only a wildcard", "Title2", "%", false, {1, 3});
+    row("Straße", "Title1", "%straße%", true, {4, 33});
+    row("capital sharp s", "Title1", "%STRAẞE%", true, {4, 33});
+    row("STRASSE", "Title1", "%STRASSE%", true, {5, 6});
+    row("French accents", "Title1", "%élève café%", true, {7, 8});
+    row("French without accents", "Title1", "%ELEVE%", true, {9});
+    row("Greek final sigma", "Title1", "%κώστασ%", true, {10, 11});
+    row("Greek capitals", "Title1", "%ΠΑΠΑΔΌΠΟΥΛΟΣ%", true, {10, 11});
+    row("Turkish dotless i", "Title1", "%ıstanbul%", true, {14});
+    row("Turkish dotted capital I", "Title1", "%İSTANBUL%", true, {12});
+    row("Turkish plain i", "Title1", "%istanbul ş%", true, {13});
+    row("Polish", "Title1", "%łódź%", true, {15, 16});
+    row("Kelvin sign", "Title1", "%kelvin%", true, {17, 18});
+    row("Kelvin sign in the pattern", "Title1", "%\u212AELVIN%", true, {17, 18});
+    row("ligature", "Title1", "%\uFB01nance%", true, {19});
+    row("no ligature", "Title1", "%finance%", true, {20});
+    row("micro sign", "Title1", "%\u00B5g dose%", true, {30, 31});
+    row("back-tick", "Title1", "%o`brien%", true, {21});
+    row("double quotes", "Title1", "%say \"hi\"%", true, {29});
+    row("old Cyrillic forms", "Title1", "%договор%", true, {22, 23, 24});
+    row("Cherokee", "Title1", "%ᏣᎳᎩ%", true, {25, 26});
+    row("Georgian", "Title1", "%საქართველო%", true, {27, 28});
+    row("one column only", "Title2", "%lease tax%", true, {3});
+    row("bookmark", "Bookmark", "%LEASE TAX%", true, {2});
+    row("remarks, as the screen spells it", "remarks", "%bank trans%", true, {4});
     const QString needle = QString(QStringLiteral("ab")).repeated(4997) + QStringLiteral("needle");
-    QTest::newRow("10,000 characters found") << "Remarks" << needle << true << L{32};
-    QTest::newRow("10,000 characters, none found")
-        << "Remarks"
-        << QStringLiteral("%") + QString(QStringLiteral("ba")).repeated(5000) + QStringLiteral("%") << true
-        << L{};
-    QTest::newRow("10,000 wildcards and letters")
-        << "Remarks" << QString(QStringLiteral("a_")).repeated(5000) << false << L{};
+    row("10,000 characters found", "Remarks", needle, true, {32});
+    row("10,000 characters, none found", "Remarks",
+        QStringLiteral("%") + QString(QStringLiteral("ba")).repeated(5000) + QStringLiteral("%"), true, {});
+    row("10,000 wildcards and letters", "Remarks", QString(QStringLiteral("a_")).repeated(5000), false, {});
 }
 
 void TextIndexTest::indexFindsWhatTheLikeFinds() {

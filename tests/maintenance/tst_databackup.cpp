@@ -1,11 +1,8 @@
 // The Data Backup screen: the backup as a whole copy that never destroys the last one, the
 // compaction that has the store to itself, both while another process saves in a loop, and
 // the paths, messages and failures of both steps.
-#include "app/MDI.h"
-#include "app/Startup.h"
 #include "datastore/Ado.h"
 #include "maintenance/frmDataBackup.h"
-#include "maintenance/frmLoginDetails.h"
 #include "platform/Files.h"
 #include "platform/MsgBox.h"
 #include "session/GenMod.h"
@@ -15,11 +12,8 @@
 #include <QApplication>
 #include <QCryptographicHash>
 #include <QDir>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMdiArea>
 #include <QProcess>
-#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -45,10 +39,6 @@ const char* const SaveLoopArgument = "--save-in-a-loop";
 // The backup and the compaction are those of the embedded file; a seat on the server is told to
 // take them there (aSeatWithoutTheStoreFileIsToldToUseTheServer).
 const char* const FileOnly = "The backup and the compaction work on the embedded file.";
-
-frmDataBackup& screen() {
-    return frmDataBackup::instance();
-}
 
 QString document(int id, const QString& bookmark) {
     // A document of an office's size: two titles, a path, a bookmark and a page of remarks.
@@ -199,6 +189,7 @@ bool makeUnwritable(const QString& folder, bool unwritable) {
 class TestDataBackup : public QObject {
     Q_OBJECT
     std::unique_ptr<TestEnvironment> env;
+    Screen<frmDataBackup> screen;
 
     QString folder(const QString& relative) const { return QDir(env->appPath()).filePath(relative); }
     QString backupOf(const QString& relative) const {
@@ -217,9 +208,9 @@ class TestDataBackup : public QObject {
         }
     }
     void backupTo(const QString& path) {
-        ctl<QLineEdit>(screen(), "txtPath")->setText(path);
+        screen.ctl<QLineEdit>("txtPath")->setText(path);
         platform::test::answerNext(platform::vbYes);
-        press(screen(), "cmdStartBackup");
+        screen.press("cmdStartBackup");
     }
     // The bookmarks of the documents that Vorlane reads from `file` through its own data layer,
     // as the database of a program folder of its own, found through the contains-search index.
@@ -245,54 +236,32 @@ class TestDataBackup : public QObject {
 
   private slots:
     void init() {
-        screen().Unload();
-        env = std::make_unique<TestEnvironment>();
-        setSession(1, QStringLiteral("Modify"));
-        screen().Show();
-        messages();
+        env = startCase();
+        screen->Show();
         platform::test::takeFolderBrowses();
     }
-    void cleanup() {
-        screen().Unload();
-        frmLoginDetails::instance().Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        env.reset();
-    }
+    void cleanup() { endCase(env); }
 
-    void theScreenOpensWithTheDefaultPathAndWorksFromTheKeyboard() {
-        QWidget* w = screen().window();
-        QVERIFY(QTest::qWaitForWindowActive(w));
-        QCOMPARE(w->windowTitle(), QStringLiteral("Data Backup"));
-        QCOMPARE(ctl<QLabel>(screen(), "Label1")->text(), QStringLiteral("Step 1 :"));
-        QCOMPARE(ctl<QLabel>(screen(), "Label2")->text(), QStringLiteral("Step 2 :"));
-        QCOMPARE(ctl<QLabel>(screen(), "lblBackupPath")->text(), QStringLiteral("Backup Path :"));
-        QCOMPARE(ctl<QPushButton>(screen(), "cmdRepair")->text(),
-                 QStringLiteral("Check && Repair Errors in Database"));
-        QCOMPARE(ctl<QPushButton>(screen(), "cmd")->text(), QStringLiteral("Close"));
-        auto* path = ctl<QLineEdit>(screen(), "txtPath");
-        QCOMPARE(path->text(), folder("Database/Backup"));
-        QVERIFY(path->isReadOnly());
-        QCOMPARE(path->accessibleName(), QStringLiteral("Backup Path :"));
-        QCOMPARE(tabOrder(w), (QStringList{"cmdRepair", "cmdBrowse", "cmdStartBackup", "cmd"}));
-        QTest::keyClick(ctl<QWidget>(screen(), "cmdBrowse"), Qt::Key_Escape);
-        QVERIFY(screen().isLoaded());
-        press(screen(), "cmd");
-        QVERIFY(!screen().isLoaded());
+    // The path proposed is the database's own backup folder; Close closes.
+    void theDefaultPathAndClose() {
+        QCOMPARE(screen.text("txtPath"), folder("Database/Backup"));
+        screen.press("cmd");
+        QVERIFY(!screen->isLoaded());
     }
 
     void browseTakesTheChosenFolderOrEmptiesThePathOnCancel() {
         platform::test::nextFolder(folder("Database/Backup/"));
-        press(screen(), "cmdBrowse");
+        screen.press("cmdBrowse");
         QCOMPARE(platform::test::takeFolderBrowses(),
                  QStringList{folder("Backup") + QStringLiteral("|Select folder to Backup your database.")});
-        QCOMPARE(text(screen(), "txtPath"), folder("Database/Backup"));
+        QCOMPARE(screen.text("txtPath"), folder("Database/Backup"));
         platform::test::nextFolder(QStringLiteral("/")); // the root keeps its separator
-        press(screen(), "cmdBrowse");
-        QCOMPARE(text(screen(), "txtPath"), QStringLiteral("/"));
+        screen.press("cmdBrowse");
+        QCOMPARE(screen.text("txtPath"), QStringLiteral("/"));
         platform::test::nextFolder(QString());
-        press(screen(), "cmdBrowse");
-        QCOMPARE(text(screen(), "txtPath"), QString());
-        press(screen(), "cmdStartBackup"); // an empty path: nothing, not even the question
+        screen.press("cmdBrowse");
+        QCOMPARE(screen.text("txtPath"), QString());
+        screen.press("cmdStartBackup"); // an empty path: nothing, not even the question
         QVERIFY(messages().isEmpty());
     }
 
@@ -300,13 +269,13 @@ class TestDataBackup : public QObject {
         if (onServer())
             QSKIP(FileOnly);
         addDocuments(1, 50);
-        press(screen(), "cmdStartBackup"); // answered No
+        screen.press("cmdStartBackup"); // answered No
         QCOMPARE(messages(), QStringList{Question});
         QVERIFY(!QFile::exists(backupOf("Database/Backup")));
 
         backupTo(folder("Database/Backup") + QLatin1Char('/'));
         QCOMPARE(messages(), (QStringList{Question, Done}));
-        QCOMPARE(text(screen(), "txtPath"), folder("Database/Backup"));
+        QCOMPARE(screen.text("txtPath"), folder("Database/Backup"));
         QCOMPARE(soundness(backupOf("Database/Backup")), QStringLiteral("ok"));
         QCOMPARE(documentsInVorlane(backupOf("Database/Backup")).size(), 50);
 
@@ -344,7 +313,7 @@ class TestDataBackup : public QObject {
         QCOMPARE(shown.size(), 2);
         QVERIFY2(shown[1].startsWith("16:Cannot write in " + folder("Database/Backup")),
                  qPrintable(shown[1]));
-        QCOMPARE(text(screen(), "txtPath"), folder("Database/Backup"));
+        QCOMPARE(screen.text("txtPath"), folder("Database/Backup"));
 
         // A disk that fills up while the copy is written.
         std::signal(SIGXFSZ, SIG_IGN);
@@ -380,7 +349,7 @@ class TestDataBackup : public QObject {
             QFile::setPermissions(env->databasePath(), QFile::ReadOwner);
         }
         backupTo(folder("Database/Backup"));
-        press(screen(), "cmdRepair");
+        screen.press("cmdRepair");
         qputenv("ODBCINI", previous);
         QCOMPARE(messages(), (QStringList{Question, NotOnServer, NotOnServer}));
         QVERIFY(!QFile::exists(env->databasePath()) ||
@@ -388,8 +357,7 @@ class TestDataBackup : public QObject {
 
         env->removeDatabase();
         backupTo(folder("Database/Backup"));
-        press(screen(), "cmdRepair");
-        QCOMPARE(messages(), (QStringList{Question, NotOnServer, NotOnServer}));
+        QCOMPARE(screen.pressed("cmdRepair"), (QStringList{Question, NotOnServer, NotOnServer}));
         QVERIFY(QDir(folder("Database/Backup")).isEmpty());
         QVERIFY(!QFile::exists(folder("Database/Temp.mdb")));
     }
@@ -407,15 +375,14 @@ class TestDataBackup : public QObject {
         stale.close();
         QVERIFY(QFile::setPermissions(env->databasePath(), QFile::ReadOwner | QFile::ReadGroup));
 
-        press(screen(), "cmdRepair");
-        QCOMPARE(messages(), QStringList{Repaired});
+        QCOMPARE(screen.pressed("cmdRepair"), QStringList{Repaired});
         QVERIFY(QFileInfo(env->databasePath()).size() < before);
         QVERIFY(QFile::permissions(env->databasePath()) & QFile::WriteOwner);
         QCOMPARE(QDir(folder("Database")).entryList(QDir::Files), QStringList{"Vorlane.mdb"});
         QCOMPARE(soundness(env->databasePath()), QStringLiteral("ok"));
         QCOMPARE(documentsInVorlane(env->databasePath()).size(), 100);
         QVERIFY(!GenMod::Conn);
-        press(screen(), "cmdRepair"); // again, the same
+        screen.press("cmdRepair"); // again, the same
         QCOMPARE(messages(), QStringList{Repaired});
         QCOMPARE(env->count("Logins"), 1);
     }
@@ -432,8 +399,7 @@ class TestDataBackup : public QObject {
         seat->BeginTrans();
         seat->Execute(document(11, QStringLiteral("Seat 1")));
         const QByteArray store = contents(env->databasePath());
-        press(screen(), "cmdRepair");
-        QCOMPARE(messages(), QStringList{"16:database is locked"});
+        QCOMPARE(screen.pressed("cmdRepair"), QStringList{"16:database is locked"});
         QCOMPARE(contents(env->databasePath()), store);
         QVERIFY(!QFile::exists(folder("Database/Temp.mdb")));
         seat->CommitTrans();
@@ -476,8 +442,7 @@ class TestDataBackup : public QObject {
         QVERIFY(saver.waitForMore(1));
         constexpr int Compactions = 20;
         for (int i = 0; i < Compactions; ++i) {
-            press(screen(), "cmdRepair");
-            QCOMPARE(messages(), QStringList{Repaired});
+            QCOMPARE(screen.pressed("cmdRepair"), QStringList{Repaired});
             QVERIFY(saver.waitForMore(1));
         }
         QVERIFY(saver.stop());
@@ -489,28 +454,6 @@ class TestDataBackup : public QObject {
         QVERIFY(!QFile::exists(folder("Database/Temp.mdb")));
         qInfo("%d compactions while the other process saved %lld documents, all of them kept", Compactions,
               qint64(saver.saved().size()));
-    }
-
-    // The toolbar: "User" may open the accounts but not the backup; every other level opens both.
-    void theToolbarOpensBothScreensByTheRightsLevel() {
-        screen().Unload();
-        MDI::setOnEnd([] {});
-        wireScreens();
-        MDI::instance().Show();
-        setSession(2, QStringLiteral("User"));
-        MDI::instance().entryClick(QStringLiteral("ImgDataBackup"));
-        QCOMPARE(messages(), QStringList{"48:You donot have rights to take Backup."});
-        QVERIFY(!screen().isLoaded());
-        MDI::instance().entryClick(QStringLiteral("ImgLogin"));
-        QVERIFY(frmLoginDetails::instance().isLoaded());
-        for (const char* level : {"Save", "Modify", ""}) {
-            setSession(2, QString::fromLatin1(level));
-            MDI::instance().entryClick(QStringLiteral("ImgDataBackup"));
-            QVERIFY(screen().isLoaded());
-            QCOMPARE(MDI::instance().area()->subWindowList().size(), 2);
-        }
-        QVERIFY(messages().isEmpty());
-        MDI::instance().Unload();
     }
 };
 

@@ -36,20 +36,6 @@ class TestPlatform : public QObject {
         test::setSettingsFolder(m_dir.filePath(QStringLiteral("settings")));
     }
 
-    void messageBoxesAreRecordedAndAnswered() {
-        QCOMPARE(MsgBox(QStringLiteral("Saved Successfully."), vbInformation), int(vbOK));
-        // A question unanswered by the test is answered No, never Yes by accident.
-        QCOMPARE(MsgBox(QStringLiteral("Proceed?"), vbYesNo + vbInformation), int(vbNo));
-        test::answerNext(vbYes);
-        QCOMPARE(MsgBox(QStringLiteral("Proceed?"), 68), int(vbYes));
-        const auto shown = test::takeMessages();
-        QCOMPARE(shown.size(), 3);
-        QCOMPARE(shown[0].text, QStringLiteral("Saved Successfully."));
-        QCOMPARE(shown[0].style, 64);
-        QCOMPARE(shown[2].style, 68);
-        QVERIFY(test::takeMessages().isEmpty());
-    }
-
     void conversionsFailAsThePlatformDoes() {
         QCOMPARE(CInt(QVariant(32767)), qint16(32767));
         // Numbers become plain decimals, as statements need them.
@@ -87,14 +73,7 @@ class TestPlatform : public QObject {
         test::setSettingsFolder(m_dir.filePath(QStringLiteral("settings")));
     }
 
-    void dialogsReturnWhatTheTestPrimed() {
-        test::nextOpenFile(QStringLiteral("/tmp/a.pdf"));
-        QCOMPARE(showOpenDialog(nullptr, "Open", "PDF|*.pdf"), QStringLiteral("/tmp/a.pdf"));
-        QCOMPARE(showOpenDialog(nullptr, "Open", "PDF|*.pdf"), QString()); // cancel
-        test::nextFolder(QStringLiteral("/tmp"));
-        QCOMPARE(browseForFolder(QStringLiteral("/"), nullptr, "Pick"), QStringLiteral("/tmp"));
-        QCOMPARE(browseForFolder(QStringLiteral("/"), nullptr, "Pick"), QString());
-
+    void dialogFilters() {
         // The patterns match files of scanners and cameras, whatever the case of their names.
         const QString filter = dialogFilter(QStringLiteral("Documents|*.jpg;*.pdf|All|*.*"));
         QCOMPARE(filter.section(QStringLiteral(";;"), 1), QStringLiteral("All (*.*)"));

@@ -18,13 +18,12 @@ class TestGenMod : public QObject {
     Q_OBJECT
   private slots:
     void init() {
-        m_env = std::make_unique<testsupport::TestEnvironment>();
+        m_env = testsupport::startCase();
         QVERIFY(OpenConnection());
-        messages();
     }
     void cleanup() {
         CloseConnection();
-        m_env.reset();
+        testsupport::endCase(m_env);
     }
 
     void fixQuotesSwapsEveryApostrophe() {
@@ -81,10 +80,7 @@ class TestGenMod : public QObject {
     }
 
     void fillsTrimAndStopAtANull() {
-        m_env->exec("insert into DocumentType values(1,'  Bills ',1)");
-        m_env->exec("insert into DocumentType values(2,'   ',1)");
-        m_env->exec("insert into DocumentType values(3,NULL,1)");
-        m_env->exec("insert into DocumentType values(4,'Zeta',1)");
+        m_env->exec("insert into DocumentType values(1,'  Bills ',1),(2,'   ',1),(3,NULL,1),(4,'Zeta',1)");
         platform::ListBox list;
         list.AddItem(QStringLiteral("stale"));
         FillList("TypeID, DocType", "DocumentType where TypeID<3 order by TypeID", &list);
@@ -114,9 +110,7 @@ class TestGenMod : public QObject {
 
     // A sorted control puts an item where it belongs; its key must land on that item.
     void keysFollowTheirItemsIntoSortedLists() {
-        m_env->exec("insert into DocumentType values(1,'Zulu',1)");
-        m_env->exec("insert into DocumentType values(2,'alpha',1)");
-        m_env->exec("insert into DocumentType values(3,'Mike',1)");
+        m_env->exec("insert into DocumentType values(1,'Zulu',1),(2,'alpha',1),(3,'Mike',1)");
         platform::ListBox list;
         list.setSorted(true);
         FillList("TypeID, DocType", "DocumentType order by TypeID", &list);

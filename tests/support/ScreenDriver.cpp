@@ -2,10 +2,16 @@
 
 #include "platform/Controls.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 namespace testsupport {
+
+void click(const Form& form, const QString& name) {
+    QTest::mouseClick(ctl(form, name), Qt::LeftButton);
+}
 
 void press(const Form& form, int index) {
     press(form, QStringLiteral("cmd(%1)").arg(index));
@@ -15,13 +21,37 @@ void press(const Form& form, const QString& button) {
     ctl<QPushButton>(form, button)->click();
 }
 
+QStringList pressed(const Form& form, int index) {
+    press(form, index);
+    return messages();
+}
+
+QStringList pressed(const Form& form, const QString& button) {
+    press(form, button);
+    return messages();
+}
+
 void type(const Form& form, const QString& box, const QString& text) {
+    if (auto* lines = form.control<QPlainTextEdit>(box)) {
+        lines->clear();
+        QTest::keyClicks(lines, text);
+        return;
+    }
     auto* edit = ctl<QLineEdit>(form, box);
     edit->clear();
     QTest::keyClicks(edit, text);
 }
 
+void paste(const Form& form, const QString& box, const QString& text) {
+    if (auto* lines = form.control<QPlainTextEdit>(box))
+        lines->setPlainText(text);
+    else
+        ctl<QLineEdit>(form, box)->setText(text);
+}
+
 QString text(const Form& form, const QString& box) {
+    if (auto* lines = form.control<QPlainTextEdit>(box))
+        return lines->toPlainText();
     return ctl<QLineEdit>(form, box)->text();
 }
 
@@ -39,6 +69,27 @@ QStringList items(const Form& form, const QString& combo) {
     for (int i = 0; i < box->count(); ++i)
         out << box->itemText(i);
     return out;
+}
+
+QString choice(const Form& form, const QString& combo) {
+    auto* box = ctl<platform::ComboBox>(form, combo);
+    return box->ListIndex() < 0 ? QString() : box->itemText(box->ListIndex());
+}
+
+QString values(const Form& form, const QString& names) {
+    QStringList out;
+    for (const QString& name : names.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        QWidget* control = ctl(form, name);
+        if (qobject_cast<platform::ComboBox*>(control))
+            out << choice(form, name);
+        else if (auto* picker = qobject_cast<platform::DatePicker*>(control))
+            out << picker->Value().toDate().toString(Qt::ISODate);
+        else if (auto* box = qobject_cast<QCheckBox*>(control))
+            out << QString::number(int(box->isChecked()));
+        else
+            out << text(form, name);
+    }
+    return out.join(QLatin1Char('|'));
 }
 
 void dblClick(const Form& form, const QString& list, const QString& item, int column) {

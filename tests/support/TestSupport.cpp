@@ -6,6 +6,7 @@
 #include "datastore/Schema.h"
 #include "datastore/postgres/PostgresDialect.h"
 #include "platform/Error.h"
+#include "reports/VorlaneDE.h"
 #include "session/EditCycle.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
@@ -253,20 +254,50 @@ bool OtherSeat::finish() {
     return !m_failed;
 }
 
-std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form) {
-    form.Unload();
-    form.EditMode = false;
-    form.CurrentRowID = 0;
-    auto env = std::make_unique<TestEnvironment>();
+namespace {
+QList<Form*>& screens() {
+    static QList<Form*> all;
+    return all;
+}
+void unloadScreens() {
+    for (Form* form : screens())
+        form->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+} // namespace
+
+void addScreen(Form& form) {
+    if (!screens().contains(&form))
+        screens() << &form;
+}
+
+std::unique_ptr<TestEnvironment> startCase(bool withDatabase) {
+    unloadScreens();
+    for (Form* form : screens())
+        if (auto* record = qobject_cast<RecordForm*>(form)) {
+            record->EditMode = false;
+            record->CurrentRowID = 0;
+        }
+    reports::VorlaneDE::instance().reset();
+    auto env = std::make_unique<TestEnvironment>(withDatabase);
     setSession(1, QStringLiteral("Modify"));
     messages();
     return env;
 }
 
-void endRecordCase(RecordForm& form, std::unique_ptr<TestEnvironment>& env) {
-    form.Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+void endCase(std::unique_ptr<TestEnvironment>& env) {
+    unloadScreens();
+    reports::VorlaneDE::instance().reset();
     env.reset();
+}
+
+std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form) {
+    addScreen(form);
+    return startCase();
+}
+
+void endRecordCase(RecordForm&, std::unique_ptr<TestEnvironment>& env) {
+    endCase(env);
 }
 
 void setSession(qint16 userID, const QString& rights) {
@@ -289,6 +320,14 @@ QStringList messages() {
     QStringList out;
     for (const auto& m : platform::test::takeMessages())
         out << QString::number(m.style) + QLatin1Char(':') + m.text;
+    return out;
+}
+
+QStringList messageKinds() {
+    QStringList out = messages();
+    for (QString& m : out)
+        if (m.startsWith(QLatin1String("16:")))
+            m = QStringLiteral("16:");
     return out;
 }
 

@@ -15,6 +15,7 @@ namespace db {
 class Connection;
 }
 
+class Form;
 class RecordForm;
 
 namespace testsupport {
@@ -80,9 +81,15 @@ class OtherSeat {
 // embedded file.
 bool onServer();
 
-// A record screen's test case starts with the screen unloaded and new, on a database of its own,
-// with the first user (level Modify) logged in and no message pending; it ends with the screen
-// unloaded and its window gone, then the database.
+// A screen test's case starts with every screen of the test unloaded (a record screen new), the
+// reports' data environment closed, on a database of its own (with `withDatabase`), with the first
+// user (level Modify) logged in and no message pending; it ends with the screens unloaded and their
+// windows gone, then the data environment and the database. The screens of the test are those of
+// its drivers (Screen) and those added here.
+std::unique_ptr<TestEnvironment> startCase(bool withDatabase = true);
+void endCase(std::unique_ptr<TestEnvironment>& env);
+void addScreen(Form& form);
+// The same for one record screen.
 std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form);
 void endRecordCase(RecordForm& form, std::unique_ptr<TestEnvironment>& env);
 
@@ -97,5 +104,8 @@ int errorOf(const std::function<void()>& f, QString* description = nullptr);
 
 // The message boxes shown since the last call, as "style:text" lines.
 QStringList messages();
+// The same, but a critical message as "16:" alone: its text is the data layer's own, which
+// differs between the engines.
+QStringList messageKinds();
 
 } // namespace testsupport

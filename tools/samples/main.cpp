@@ -1,0 +1,349 @@
+// Writes pictures of screens and PDFs of the six reports, filled with sample data of an office's
+// kind, into a folder, for looking at them:
+//
+//   QT_QPA_PLATFORM=offscreen build/tools/vorlane_samples FOLDER
+//
+// The screens run on a database of their own in a temporary program folder; the reports come
+// on A4 and on US Letter, once with ordinary data and once ("-full") with texts as long as an
+// office types them. pdftoppm -png turns the PDFs into pictures.
+#include "app/MDI.h"
+#include "app/Startup.h"
+#include "classification/frmFile.h"
+#include "datastore/Ado.h"
+#include "datastore/Schema.h"
+#include "platform/Controls.h"
+#include "platform/TestHooks.h"
+#include "reports/ReportDesigns.h"
+#include "reports/ReportPreview.h"
+#include "reports/Reports.h"
+#include "session/GenMod.h"
+#include "session/Session.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <cstdio>
+
+namespace {
+
+reports::MemoryData files() {
+    reports::MemoryData d;
+    const QStringList particulars = {"Bank statements 2023",  "Electricity and water", "Insurance policies",
+                                     "Tax returns",           "Staff contracts",       "Vehicle papers",
+                                     "Property lease",        "Supplier invoices Q1",  "Supplier invoices Q2",
+                                     "Correspondence - legal"};
+    for (int i = 1; i <= 64; ++i)
+        d.addRow({{"FileID", QString::number(i)},
+                  {"FileNumber", QStringLiteral("F-%1").arg(i, 3, 10, QLatin1Char('0'))},
+                  {"Particulars", particulars[i % particulars.size()]}});
+    d.addRow({{"FileNumber", "ARCHIVE/2019/LONG-NUMBER-25"}, {"Particulars", "Old records (box 14 of 20)"}});
+    return d;
+}
+
+reports::MemoryData references() {
+    reports::MemoryData d;
+    d.addRow(
+        {{"RefName", "City council permits"},
+         {"Particulars", "Forms for building permits, fees and the opening hours of the counter. Renewals "
+                         "must be filed thirty days before the permit runs out."},
+         {"OnlineLink", "https://council.example.org/permits/building/forms"}});
+    d.addRow({{"RefName", "Customs tariff"},
+              {"Particulars", "Import duty lookup"},
+              {"OnlineLink", "https://tariff.example.gov/lookup?chapter=84&heading=8471"}});
+    d.addRow({{"RefName", "Tax office"},
+              {"Particulars", "Online returns and payment of advance tax"},
+              {"OnlineLink", "https://tax.example.gov/e-filing"}});
+    for (int i = 1; i <= 30; ++i)
+        d.addRow({{"RefName", QStringLiteral("Supplier portal %1").arg(i)},
+                  {"Particulars", QStringLiteral("Order status and invoices of supplier %1").arg(i)},
+                  {"OnlineLink", QStringLiteral("https://supplier%1.example.com/portal").arg(i)}});
+    return d;
+}
+
+reports::MemoryData contacts() {
+    reports::MemoryData d;
+    d.addRow(
+        {{"FullName", "Adaeze Okonkwo-Lindqvist"},
+         {"Add1", "14 Harbour Road"},
+         {"Add2", "Unit 7, Second Floor"},
+         {"Add3", "Port Ellis 4410"},
+         {"Phone", "+44 20 7946 0018"},
+         {"Cell", "+44 7700 900123"},
+         {"Fax", "+44 20 7946 0019"},
+         {"Email", "adaeze.okonkwo-lindqvist@harbour-consulting.example.com"},
+         {"Remarks", "Auditor. Call before the 10th of each month; sends the quarterly review by post and "
+                     "expects the signed copy back within a week."}});
+    d.addRow({{"FullName", "Bruno Carvalho"},
+              {"Add1", "Rua das Flores 22"},
+              {"Add3", "Lisbon"},
+              {"Phone", "+351 21 000 0000"},
+              {"Email", "bruno@example.pt"},
+              {"Remarks", "Lawyer"}});
+    for (int i = 1; i <= 20; ++i)
+        d.addRow({{"FullName", QStringLiteral("Contact %1").arg(i)},
+                  {"Add1", QStringLiteral("%1 Main Street").arg(i * 3)},
+                  {"Add2", "Springfield"},
+                  {"Phone", QStringLiteral("555-01%1").arg(i, 2, 10, QLatin1Char('0'))},
+                  {"Cell", QStringLiteral("555-99%1").arg(i, 2, 10, QLatin1Char('0'))},
+                  {"Email", QStringLiteral("contact%1@example.com").arg(i)}});
+    return d;
+}
+
+// Rows as the search screen copies them: one column off, the key first.
+reports::MemoryData searchRows() {
+    reports::MemoryData d;
+    for (int i = 1; i <= 40; ++i)
+        d.addRow(
+            {{"Title1", QString::number(1000 + i)},
+             {"Title2", i == 3 ? "Agreement for the lease of the ground floor office with parking, signed by "
+                                 "both parties and witnessed"
+                               : QStringLiteral("Invoice %1 from Northwind Supplies").arg(4400 + i)},
+             {"DocDate", QStringLiteral("Order %1").arg(700 + i)},
+             {"FollowupDate", QStringLiteral("%1/Mar/2024").arg(i % 28 + 1, 2, 10, QLatin1Char('0'))},
+             {"Bookmark", QStringLiteral("%1/Apr/2024").arg(i % 28 + 1, 2, 10, QLatin1Char('0'))},
+             {"Remarks", i % 5 == 0 ? "Second drawer, red folder behind the tax papers" : "Tab 3"},
+             {"FileNumber", i % 4 == 0 ? "Paid in full" : ""},
+             {"FilePath", QStringLiteral("F-%1").arg(i % 9 + 1, 3, 10, QLatin1Char('0'))}});
+    return d;
+}
+
+reports::MemoryData personal() {
+    reports::MemoryData d;
+    d.addRow({{"ID", "1"},
+              {"FullName", "Marguerite Halvorsen & Associates"},
+              {"Add1", "Chartered Accountants"},
+              {"Add2", "41 Kingsbridge Avenue, Suite 300"},
+              {"Add3", "Halden 1772, Norway"},
+              {"Phone", "+47 69 00 00 00"},
+              {"Cell", "+47 900 00 000"},
+              {"Fax", "+47 69 00 00 01"},
+              {"Email", "office@halvorsen-associates.example.no"}});
+    return d;
+}
+
+// Data as long as an office really types it: a firm name of 50 letters, a mail address and
+// address lines of 40, a link of 120 without a blank.
+const QString kFirm = QStringLiteral("Okonkwo-Lindqvist Halvorsen & Partners Consultants");
+const QString kMail = QStringLiteral("margareta.okonkwo-lindqvist@halvorsen.no");
+const QStringList kAddress = {QStringLiteral("Unit 7, 2nd Floor, Harbour Business Park"),
+                              QStringLiteral("Harbourside Commercial Park, Block C-14A"),
+                              QStringLiteral("Port Ellis 4410, Greater Kingsbridge, UK")};
+const QString kPhone = QStringLiteral("+44 (0)20 7946 0018");
+const QString kLink = QStringLiteral("https://docs.example.com/document/d/"
+                                     "1AbCdEfGhIjKlMnOpQrStUvWxYz0123456789aBcDeFgHiJkLmNoPqRsTuVwXyZ9876/"
+                                     "edit?usp=sharing");
+
+reports::MemoryData personalInFull() {
+    reports::MemoryData d;
+    d.addRow({{"ID", "1"},
+              {"FullName", kFirm},
+              {"Add1", kAddress[0]},
+              {"Add2", kAddress[1]},
+              {"Add3", kAddress[2]},
+              {"Phone", kPhone},
+              {"Cell", "+44 (0)7700 900 123"},
+              {"Fax", "+44 (0)20 7946 0019"},
+              {"Email", kMail}});
+    return d;
+}
+
+reports::MemoryData contactsInFull() {
+    reports::MemoryData d = contacts();
+    d.addRow({{"FullName", "Margareta Okonkwo-Lindqvist"},
+              {"Add1", kAddress[0]},
+              {"Add2", kAddress[1]},
+              {"Add3", kAddress[2]},
+              {"Phone", kPhone},
+              {"Cell", "+44 (0)7700 900 123"},
+              {"Fax", "+44 (0)20 7946 0019"},
+              {"Email", kMail},
+              {"Remarks", "Partner; signs the annual accounts"}});
+    return d;
+}
+
+reports::MemoryData referencesInFull() {
+    reports::MemoryData d;
+    d.addRow({{"RefName", "Budget of the building project"},
+              {"Particulars", "The shared sheet"},
+              {"OnlineLink", kLink}});
+    d.addRow({{"RefName", "Tax office"},
+              {"Particulars", "Online returns and payment of advance tax"},
+              {"OnlineLink", "https://tax.example.gov/e-filing"}});
+    return d;
+}
+
+// The query line of a search on all eleven criteria, each text 40 letters long.
+QString queryOfAllCriteria() {
+    const QStringList v = {
+        "Accounts payable and receivable register", "Correspondence with suppliers and agents",
+        "Purchase invoices for the office chairs.", "Quarterly statements of the pension fund",
+        "Signed agreement for the warehouse lease", "Second drawer, red folder behind the tax",
+        "Original kept by the auditor until March", "Renewal of the fire insurance for the sh",
+        "ARCHIVE/2019/LONG-NUMBER-25/BOX-14/SHELF"};
+    return QStringList{"Doc. Type : " + v[0],
+                       "Doc. Category : " + v[1],
+                       "Doc. Sub-Category : " + v[2],
+                       "Doc. Child Category : " + v[3],
+                       "Doc. Title 1 : " + v[4],
+                       "Doc. Title 2 : " + v[5],
+                       "Bookmark : " + v[6],
+                       "Remarks : " + v[7],
+                       "Document date between : 01-Jan-2024 and 31-Mar-2024",
+                       "Follow-up date between : 01-Jan-2024 and 31-Mar-2024",
+                       "File Number : " + v[8]}
+        .join(' ');
+}
+
+bool save(QWidget* widget, const QDir& folder, const QString& name) {
+    const bool ok = widget->grab().save(folder.filePath(name));
+    std::printf("%s %s\n", ok ? "wrote" : "FAILED", qPrintable(folder.filePath(name)));
+    return ok;
+}
+
+bool pdf(reports::Report& report, const QDir& folder, const QString& name) {
+    const bool ok = report.exportPdf(folder.filePath(name));
+    std::printf("%s %s\n", ok ? "wrote" : "FAILED", qPrintable(folder.filePath(name)));
+    return ok;
+}
+
+// The six designs with sample data, on both papers, and the preview window of the file list.
+bool writeReports(const QDir& folder) {
+    using namespace reports;
+    const QString query = QStringLiteral(
+        "Doc. Date between 01-Jan-2024 and 31-Mar-2024 and Title 1 containing 'invoice' and Bookmark "
+        "containing 'drawer' and File Number is 'F-003'");
+    const QList<std::tuple<QString, MemoryData, bool>> all = {
+        {"RptFileList", files(), false},
+        {"RptInternetRef", references(), false},
+        {"RptContactList", contacts(), false},
+        {"rptSearchReport", searchRows(), false},
+        {"RptLetterHead", personal(), false},
+        {"RptLetterHead2", personal(), false},
+        {"RptInternetRef", referencesInFull(), true},
+        {"RptContactList", contactsInFull(), true},
+        {"rptSearchReport", searchRows(), true},
+        {"RptLetterHead", personalInFull(), true},
+        {"RptLetterHead2", personalInFull(), true},
+    };
+    bool ok = true;
+    for (const auto& [name, rows, full] : all)
+        for (const auto& [paper, setup] :
+             {std::pair{"A4", PageSetup::a4()}, std::pair{"Letter", PageSetup::letter()}}) {
+            Report report(designs::byName(name), [rows] { return std::make_unique<MemoryData>(rows); });
+            report.setPageSetup(setup);
+            if (name == QLatin1String("rptSearchReport")) {
+                report.Sections("ReportHeader")
+                    .Controls("lblQuery")
+                    .setCaption(full ? queryOfAllCriteria() : query);
+                report.Sections("PageHeader").Controls("lblDocTitle1").setCaption("Doc. Title 1 /");
+                report.Sections("PageHeader").Controls("lblDocTitle2").setCaption("Doc. Title 2");
+            }
+            report.Refresh();
+            ok &= pdf(report, folder, QStringLiteral("%1%2-%3.pdf").arg(name, full ? "-full" : "", paper));
+            if (name == QLatin1String("RptFileList") && QLatin1String(paper) == QLatin1String("A4")) {
+                // The preview window as it would stand on the screen.
+                report.Show();
+                report.preview()->resize(820, 900);
+                ok &= save(report.preview(), folder, QStringLiteral("preview-RptFileList.png"));
+            }
+        }
+    return ok;
+}
+
+// The classification screens with long field names, each with its list shown after a row was
+// loaded, the main window, and the file register with its list, a loaded row and its printed
+// list.
+bool writeScreens(const QDir& folder) {
+    auto c = std::make_shared<db::Connection>();
+    c->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+    c->Execute("insert into FieldCaptions values('Department of Records','Section of the Office',"
+               "'Sub-Section of Section','Folder in the Cabinet','Subject','Reference')");
+    c->Execute("insert into DocumentCategory values(1,'Accounts and Finance',1)");
+    c->Execute("insert into DocumentSubCategory values(10,1,'Supplier Invoices',1)");
+    c->Execute("insert into DocumentChildCategory values(100,1,10,'Year 2023',1)");
+    c->Execute("insert into DocumentType values(1,'Correspondence',1)");
+    const QStringList numbers{"ACC/2021/01", "ACC/2021/02", "ACC/2022/01", "BNK-01",   "BNK-02",
+                              "HR/Staff/1",  "HR/Staff/2",  "INS-Car",     "INS-Home", "LGL/Lease/7",
+                              "PRJ-Harbor",  "TAX/2022",    "TAX/2023",    "TAX/2024", "VEH-Van"};
+    const QStringList particulars{"Supplier invoices H1", "Supplier invoices H2", "Ledger prints",
+                                  "Current account",      "Deposit account",      "Contracts A-L",
+                                  "Contracts M-Z",        "Fleet policy",         "Office contents cover",
+                                  "Ground floor lease",   "Harbour extension",    "Returns and notices",
+                                  "Returns and notices",  "Quarterly filings",    "Service book"};
+    for (int i = 0; i < numbers.size(); ++i)
+        c->Execute(QStringLiteral("insert into File values(%1,'%2','%3',1)")
+                       .arg(i + 1)
+                       .arg(numbers[i], particulars[i]));
+    c.reset();
+
+    MDI::setOnEnd([] {});
+    wireScreens();
+    MDI::instance().Show();
+    MDI::instance().window()->resize(1024, 720);
+    bool ok = true;
+    const auto frame = [](QWidget* w) { return qobject_cast<QMdiSubWindow*>(w->parentWidget()); };
+    for (const char* entry : {"ImgDocType", "ImgDocCat", "ImgDocSubCat", "ImgDocChildCat"}) {
+        MDI::instance().entryClick(QString::fromLatin1(entry));
+        QWidget* w = MDI::instance().area()->activeSubWindow()->widget();
+        auto* edit = w->findChild<QPushButton*>(QStringLiteral("cmd(1)"));
+        edit->click();
+        auto* list = w->findChild<platform::ListBox*>();
+        list->setCurrentRow(0);
+        emit list->DblClick();
+        edit->click();
+        QCoreApplication::processEvents();
+        ok &= save(frame(w), folder, w->objectName() + QStringLiteral(".png"));
+    }
+    ok &= save(MDI::instance().window(), folder, QStringLiteral("MDI.png"));
+
+    MDI::instance().entryClick(QStringLiteral("ImgFile"));
+    frmFile& file = frmFile::instance();
+    file.cmd(1)->click();
+    auto* list = file.control<platform::ListView>(QStringLiteral("lstFile"));
+    list->setCurrentIndex(list->model()->index(3, 0));
+    QCoreApplication::processEvents();
+    ok &= save(frame(file.window()), folder, QStringLiteral("frmFile-list.png"));
+    list->setCurrentIndex(list->model()->index(5, 0));
+    emit list->DblClick();
+    QCoreApplication::processEvents();
+    ok &= save(frame(file.window()), folder, QStringLiteral("frmFile-loaded.png"));
+    file.cmd(4)->click();
+    ok &= pdf(reports::RptFileList(), folder, QStringLiteral("RptFileList.pdf"));
+    MDI::instance().Unload();
+    return ok;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: vorlane_samples FOLDER\n");
+        return 2;
+    }
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    QDir().mkpath(folder.path());
+    // A program folder of its own, out of reach of the user's data and data sources.
+    QTemporaryDir program;
+    const QString odbcIni = QDir(program.path()).filePath(QStringLiteral("odbc.ini"));
+    QFile(odbcIni).open(QIODevice::WriteOnly);
+    qputenv("ODBCINI", odbcIni.toLocal8Bit());
+    qputenv("ODBCSYSINI", program.path().toLocal8Bit());
+    platform::test::enable();
+    platform::test::setAppPath(program.path());
+    platform::test::setSettingsFolder(QDir(program.path()).filePath(QStringLiteral("settings")));
+    QDir(program.path()).mkpath(QStringLiteral("Database/Backup"));
+    db::createDatabase(db::databaseFile(), GenMod::ScrambleText(QStringLiteral("admin")),
+                       GenMod::ScrambleText(QStringLiteral("admin")));
+    Session::CurrentUserID = 1;
+    Session::UserRights = QStringLiteral("Modify");
+    bool ok = writeReports(folder);
+    ok &= writeScreens(folder);
+    for (const auto& m : platform::test::takeMessages())
+        std::fprintf(stderr, "message: %s\n", qPrintable(m.text));
+    return ok ? 0 : 1;
+}
