@@ -89,7 +89,8 @@ void frmSettings::Form_Load() {
         control->setEnabled(firstUser);
     for (const QString& kind : Kinds)
         pathBox(kind)->setText(Session::setting(kind).trimmed());
-    readAtLoad(Pointer::Hourglass, [this] { FieldCaptions::Apply(FieldCaptions::fullNameBoxes(nameBoxes())); });
+    readAtLoad(Pointer::Hourglass,
+               [this] { FieldCaptions::Apply(FieldCaptions::fullNameBoxes(nameBoxes())); });
 }
 
 QList<QLineEdit*> frmSettings::nameBoxes() const {

@@ -20,12 +20,13 @@ db::ConnectionPtr openStore() {
 // A month's names as a user may write them: short and long, in a sentence and alone, with and
 // without their dot, in upper and lower case, Qt's and the locale's own.
 QStringList spellings(const QLocale& locale, int month) {
+    static const QRegularExpression trailingDots(QStringLiteral("\\.+$"));
     QStringList out;
     for (QString name :
          {locale.monthName(month, QLocale::ShortFormat), locale.monthName(month, QLocale::LongFormat),
           locale.standaloneMonthName(month, QLocale::ShortFormat),
           locale.standaloneMonthName(month, QLocale::LongFormat)})
-        for (int bare = 0; bare < 2; ++bare, name.remove(QRegularExpression(QStringLiteral("\\.+$"))))
+        for (int bare = 0; bare < 2; ++bare, name.remove(trailingDots))
             out << name << name.toUpper() << name.toLower() << locale.toUpper(name) << locale.toLower(name);
     out.removeDuplicates();
     return out;

@@ -52,14 +52,14 @@ void ServerTest::setUpCreatesTheTablesOnce() {
                              QStringLiteral("þû"));
     auto c = open();
     QCOMPARE(column(c, QStringLiteral("Select UserName from Logins where Modify=1 and UserID=1")),
-             QVariantList({QStringLiteral("ÞÛ")}));
+             QVariantList{QStringLiteral("ÞÛ")});
     // A second run leaves the database as it is.
     QCOMPARE(errorOf([] {
                  db::createServerDatabase(QStringLiteral("Vorlane"), User, Password, QStringLiteral("a"),
                                           QStringLiteral("b"));
              }),
              db::ErrStatement);
-    QCOMPARE(column(c, QStringLiteral("Select count(*) from Logins")), QVariantList({qint64(1)}));
+    QCOMPARE(column(c, QStringLiteral("Select count(*) from Logins")), QVariantList{qint64(1)});
     // A database whose locale knows only ASCII letters would compare "Ä" and "ä" as different.
     QCOMPARE(errorOf([] {
                  db::createServerDatabase(QStringLiteral("VorlaneLocaleC"), User, Password,
@@ -83,30 +83,29 @@ void ServerTest::screensStatementsRunAsOnTheFile() {
     QCOMPARE(column(c, QStringLiteral("Select docdate from vorlane where IndexID=1")),
              QVariantList({QDate(2026, 3, 6)}));
     QCOMPARE(column(c, QStringLiteral("Select Remarks from Vorlane where IndexID=1")),
-             QVariantList({QStringLiteral("05/Mar/2026")}));
+             QVariantList{QStringLiteral("05/Mar/2026")});
     // Texts of any length come back whole.
     const QString remarks = QStringLiteral("Mietvertrag ").repeated(500);
     c->Execute(QStringLiteral("Update Vorlane Set Remarks='%1' where IndexID=2").arg(remarks));
-    QCOMPARE(column(c, QStringLiteral("Select Remarks from Vorlane where IndexID=2")),
-             QVariantList({remarks}));
+    QCOMPARE(column(c, QStringLiteral("Select Remarks from Vorlane where IndexID=2")), QVariantList{remarks});
 
     // The search: the left join with aliases, dates between '#', like and '=' regardless of case
     // in every alphabet, a backslash in a pattern standing for itself.
     const QString search =
         QStringLiteral("Select I.*,F.FileNumber from Vorlane I left join File F on F.FileID=I.FileID ");
     QCOMPARE(column(c, search + QStringLiteral("where I.DocDate >= #01-Jan-26# and I.Title1 like '%ÄRGER%'")),
-             QVariantList({qint64(1)}));
+             QVariantList{qint64(1)});
     QCOMPARE(column(c, search + QStringLiteral("where I.FilePath like '%\\docs\\%' order by I.IndexID")),
-             QVariantList({qint64(1)}));
+             QVariantList{qint64(1)});
     db::Recordset rs;
     rs.Open(search + QStringLiteral("order by I.docDate"), c, db::adOpenStatic, db::adLockReadOnly);
     QCOMPARE(rs.Fields(QStringLiteral("filenumber")), QVariant());
     rs.MoveNext();
     QCOMPARE(rs.Fields(QStringLiteral("FileNumber")), QVariant(QStringLiteral("F-1")));
     QCOMPARE(column(c, QStringLiteral("Select FileID from File where Particulars='ärger IM büro'")),
-             QVariantList({qint64(1)}));
+             QVariantList{qint64(1)});
     c->Execute(QStringLiteral("Delete from Vorlane where DocDate < #01/Jan/2000#"));
-    QCOMPARE(column(c, QStringLiteral("Select count(IndexID) from Vorlane")), QVariantList({qint64(1)}));
+    QCOMPARE(column(c, QStringLiteral("Select count(IndexID) from Vorlane")), QVariantList{qint64(1)});
 }
 
 void ServerTest::loginsAndUnreachableServer() {

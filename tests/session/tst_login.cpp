@@ -71,7 +71,7 @@ class TestLogin : public QObject {
         QFETCH(QString, password);
         login(user, password);
         QCOMPARE(m_loggedIn, 0);
-        QCOMPARE(messages().last(), QStringLiteral("48:Invalid Username or Password."));
+        QCOMPARE(messages().constLast(), QStringLiteral("48:Invalid Username or Password."));
         QCOMPARE(m_env->count("Logins"), 1);
         QVERIFY(screen->isLoaded());
     }
