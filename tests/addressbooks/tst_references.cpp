@@ -128,7 +128,7 @@ class TestReferences : public QObject {
         screen.press(1);
         QCOMPARE(names(),
                  QStringList({"50% off", "abc Motors", "Land_registry", "The ABC of tax", "Zoning board"}));
-        QCOMPARE(screen.rows("lstRef").first(), QStringLiteral("4|50% off|https://p.example"));
+        QCOMPARE(screen.rows("lstRef").constFirst(), QStringLiteral("4|50% off|https://p.example"));
         auto* searchText = screen.ctl<QLineEdit>("txtSearchName");
         auto* showAll = screen.ctl<QCheckBox>("chkShowAll");
         QVERIFY(!searchText->isEnabled());

@@ -262,7 +262,7 @@ class TestScreens : public QObject {
             e.form->Unload();
         }
         env->exec("update FieldCaptions set DocType=''");
-        QWidget* w = open(table()[2]);
+        QWidget* w = open(table().at(2));
         QCOMPARE(w->windowTitle(), QString());
         QCOMPARE(qobject_cast<QMdiSubWindow*>(w->parentWidget())->windowTitle(), QString());
         QCOMPARE(testsupport::messages(), QStringList());

@@ -254,7 +254,7 @@ class TestClassification : public QObject {
         QCOMPARE(name(screen.table, screen.nameColumn, screen.keyColumn, 2), QStringLiteral("Tom`s"));
         type(f, screen.text, "x'; delete from Logins; --");
         press(f, 2);
-        QCOMPARE(messages().last(), Saved);
+        QCOMPARE(messages().constLast(), Saved);
         QCOMPARE(env->count("Logins"), 1);
     }
 

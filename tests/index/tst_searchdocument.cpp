@@ -185,7 +185,7 @@ class TestSearchDocument : public QObject {
         screen.press("cmdSearch");
         QCOMPARE(messages(), QStringList());
         QCOMPARE(screen.rows("lstList").size(), 1);
-        QVERIFY(screen.rows("lstList").first().startsWith(QLatin1String("2|Tax return|")));
+        QVERIFY(screen.rows("lstList").constFirst().startsWith(QLatin1String("2|Tax return|")));
     }
 
     // A criterion of any length is searched or refused with a message, and the screen goes on.

@@ -38,9 +38,8 @@ class TestSettings : public QObject {
     // A document of that date whose soft copy is `file` in the test's folder of files.
     void document(int id, const char* date, const QString& file) {
         env->exec(QStringLiteral("insert into Vorlane values(%1,'%2','%2',1,1,1,1,'T%1','','%3',1,'','',1)")
-                      .arg(id)
-                      .arg(QString::fromLatin1(date))
-                      .arg(file.isEmpty() ? QString() : files->filePath(file)));
+                      .arg(QString::number(id), QString::fromLatin1(date),
+                           file.isEmpty() ? QString() : files->filePath(file)));
     }
     void makeFile(const QString& name) {
         QFile f(files->filePath(name));
