@@ -7,6 +7,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build-coverage}
+# gcov finds each source by the path it was compiled with: a ccache base folder would make those
+# paths relative to the compiler's working folder, where gcovr cannot find them.
+export CCACHE_BASEDIR=
 command -v gcovr >/dev/null || { echo "gcovr is missing: apt-get install gcovr" >&2; exit 1; }
 jobs=$(nproc 2>/dev/null || echo 2)
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Debug -DVORLANE_COVERAGE=ON >/dev/null

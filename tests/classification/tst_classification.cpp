@@ -260,10 +260,11 @@ class TestClassification : public QObject {
 
     void theListsDoubleClick() {
         types->Show();
-        // An empty list: nothing happens.
+        // An empty list: a double click or Enter on it does nothing.
         types.press(1);
         QVERIFY(types.isShown("lstType"));
         emit types.ctl<platform::ListBox>("lstType")->DblClick();
+        QTest::keyClick(types.ctl("lstType"), Qt::Key_Return);
         QVERIFY(!types->EditMode);
         QCOMPARE(messages(), QStringList());
 

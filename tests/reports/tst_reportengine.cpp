@@ -287,10 +287,13 @@ void TestReportEngine::textLongerThanAPageIsSplitAndEnds() {
     QCOMPARE(laid.pages.last().textOf("txtNo").last(), QStringLiteral("2"));
 }
 
+// The page's texts read row by row, each row from the left.
 void TestReportEngine::emptyDataPrintsHeadingsOnly() {
-    const auto laid = layoutReport(listDesign(), MemoryData(), PageSetup::letter());
+    ReportDesign d = listDesign();
+    d.sections[1].controls.prepend(reports::label("lblRight", "Right", 300, 0, 100, 14, kBody));
+    const auto laid = layoutReport(d, MemoryData(), PageSetup::letter());
     QCOMPARE(laid.pages.size(), 1);
-    QCOMPARE(laid.pages[0].texts(), (QStringList{"Introduction", "Heading", "1 of 1"}));
+    QCOMPARE(laid.pages[0].texts(), (QStringList{"Introduction", "Heading", "Right", "1 of 1"}));
 }
 
 void TestReportEngine::headersFillingThePageStillEnd() {

@@ -20,7 +20,7 @@ class TestReportPrinting : public QObject {
     void init();
     void cleanup();
     void secondPrintShowsRowsSavedSinceTheFirst();
-    void failuresAreThrownWhenAsked();
+    void commandsAndFailures();
     void letterheadShowsTheRowReadAtFirstUse();
     void previewNavigatesZoomsSavesAndPrints();
 
@@ -62,13 +62,29 @@ void TestReportPrinting::secondPrintShowsRowsSavedSinceTheFirst() {
     QVERIFY(platform::test::takeMessages().isEmpty());
 }
 
-// The screens print through the trapped form; the other one leaves the failure to its caller.
-void TestReportPrinting::failuresAreThrownWhenAsked() {
+// The reports find their command by data member, the screens by recordset name. A failure is
+// shown by the trapped form, which the screens use, and left to the caller by the other.
+void TestReportPrinting::commandsAndFailures() {
+    VorlaneDE& de = VorlaneDE::instance();
+    QCOMPARE(&de.command("cmdLetterHead"), &de.rscmdLetterHead_Grouping());
+    QCOMPARE(&de.cmdLetterHead_Grouping(), &de.rscmdLetterHead_Grouping());
+    for (const auto& [command, recordset] :
+         {std::pair{&de.cmdFileList(), "rscmdFileList"}, std::pair{&de.cmdContactList(), "rscmdContactList"},
+          std::pair{&de.cmdInternetRefList(), "rscmdInternetRefList"},
+          std::pair{&de.cmdSearchResult(), "rscmdSearchResult"}}) {
+        QCOMPARE(&de.command(recordset), command);
+        QCOMPARE(command->query(), command->commandText()); // a plain command reads its own statement
+    }
+    QVERIFY_THROWS_EXCEPTION(platform::Error, de.command("cmdNothing"));
+
     m_env->removeDatabase();
-    QVERIFY_THROWS_EXCEPTION(platform::Error,
-                             PrintList(VorlaneDE::instance().rscmdFileList(), RptFileList()));
+    PrintListTrapped(de.rscmdInternetRefList(), RptInternetRef());
+    const auto shown = platform::test::takeMessages();
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown[0].style, 16);
+    QCOMPARE(de.rscmdInternetRefList().State(), int(db::adStateClosed));
+    QVERIFY_THROWS_EXCEPTION(platform::Error, PrintList(de.rscmdFileList(), RptFileList()));
     QVERIFY(platform::test::takeMessages().isEmpty());
-    QCOMPARE(VorlaneDE::instance().rscmdFileList().State(), int(db::adStateClosed));
 }
 
 void TestReportPrinting::letterheadShowsTheRowReadAtFirstUse() {
