@@ -100,59 +100,84 @@ bool endsFilterTerm(const Token& t) {
                             "window", "where", "join", "left", "right", "full", "inner", "cross", "natural"});
 }
 
+bool isConnective(const Token& t) {
+    return sql::isKeyword(t, "and") || sql::isKeyword(t, "or");
+}
+
+// True when what follows tokens[last] may follow a term of a filter.
+bool endsTermAt(const QVector<Token>& tokens, int last) {
+    const int next = skipSpace(tokens, last + 1);
+    return next >= tokens.size() || endsFilterTerm(tokens[next]);
+}
+
+// Where the terms joined to the connective at `connective` begin, walked back over them.
+struct JoinedTerms {
+    enum Start { AtClause, InParenthesis, Elsewhere } start;
+    int open = -1; // the '(' around them, when InParenthesis
+};
+
+// True when `t`, met walking back from the connective at `connective` outside any parenthesis,
+// shows that the terms are not a filter's: a list, a case, an assignment, or the "and" of a
+// between (a between before any other connective).
+bool stopsJoinedTerms(const QVector<Token>& tokens, int connective, const Token& t, bool connectivePassed) {
+    if (sql::isKeyword(t, "between"))
+        return !connectivePassed && sql::isKeyword(tokens[connective], "and");
+    return isPunct(t, ",") ||
+           isAnyKeyword(t, {"select", "when", "then", "else", "by", "set", "values", "from", "distinct",
+                            "all", "limit", "offset", "using", "returning"});
+}
+
+JoinedTerms joinedTermsStart(const QVector<Token>& tokens, int connective) {
+    bool connectivePassed = false;
+    int depth = 0;
+    for (int j = connective - 1; j >= 0; --j) {
+        const Token& t = tokens[j];
+        if (t.kind == TokenKind::Space)
+            continue;
+        if (isPunct(t, ")") || sql::isKeyword(t, "end")) {
+            ++depth;
+        } else if (isPunct(t, "(") || sql::isKeyword(t, "case")) {
+            if (depth > 0)
+                --depth;
+            else
+                return isPunct(t, "(") ? JoinedTerms{JoinedTerms::InParenthesis, j}
+                                       : JoinedTerms{JoinedTerms::Elsewhere};
+        } else if (depth > 0) {
+            continue;
+        } else if (opensFilter(t)) {
+            return {JoinedTerms::AtClause};
+        } else if (isConnective(t)) {
+            connectivePassed = true;
+        } else if (stopsJoinedTerms(tokens, connective, t, connectivePassed)) {
+            return {JoinedTerms::Elsewhere};
+        }
+    }
+    return {JoinedTerms::Elsewhere};
+}
+
 // True when tokens[first..last] is a term joined by and/or alone (through parentheses) to the
 // start of a where, on or having clause. The index test joined to the like by "and" is False
 // where the like is Null (a document without that text); only there does that select the same
 // rows as the like alone.
 bool isFilterTerm(const QVector<Token>& tokens, int first, int last) {
     for (;;) {
-        const int next = skipSpace(tokens, last + 1);
-        if (next < tokens.size() && !endsFilterTerm(tokens[next]))
+        if (!endsTermAt(tokens, last))
             return false;
         const int before = previousToken(tokens, first);
         if (before < 0)
             return false;
         if (opensFilter(tokens[before]))
             return true;
-        int open = -1;
-        if (isPunct(tokens[before], "(")) {
-            open = before;
-        } else if (sql::isKeyword(tokens[before], "and") || sql::isKeyword(tokens[before], "or")) {
-            // Back over the other terms to the clause or to the parenthesis around them.
-            bool connectivePassed = false;
-            int depth = 0;
-            for (int j = before - 1; j >= 0 && open < 0; --j) {
-                const Token& t = tokens[j];
-                if (t.kind == TokenKind::Space)
-                    continue;
-                if (isPunct(t, ")") || sql::isKeyword(t, "end")) {
-                    ++depth;
-                } else if (isPunct(t, "(") || sql::isKeyword(t, "case")) {
-                    if (depth == 0 && isPunct(t, "("))
-                        open = j;
-                    else if (depth == 0)
-                        return false;
-                    else
-                        --depth;
-                } else if (depth > 0) {
-                    continue;
-                } else if (opensFilter(t)) {
-                    return true;
-                } else if (sql::isKeyword(t, "and") || sql::isKeyword(t, "or")) {
-                    connectivePassed = true;
-                } else if ((sql::isKeyword(t, "between") && !connectivePassed &&
-                            sql::isKeyword(tokens[before], "and")) || // the "and" of a between
-                           isPunct(t, ",") ||
-                           isAnyKeyword(t, {"select", "when", "then", "else", "by", "set", "values", "from",
-                                            "distinct", "all", "limit", "offset", "using", "returning"})) {
-                    return false;
-                }
-            }
-            if (open < 0)
-                return false;
-        } else {
+        int open = before;
+        if (isConnective(tokens[before])) {
+            const JoinedTerms terms = joinedTermsStart(tokens, before);
+            if (terms.start != JoinedTerms::InParenthesis)
+                return terms.start == JoinedTerms::AtClause;
+            open = terms.open;
+        } else if (!isPunct(tokens[before], "(")) {
             return false;
         }
+        // The parenthesised group is the term that must stand in the filter now.
         first = open;
         last = closingParenthesis(tokens, open);
         if (last >= tokens.size())
