@@ -141,14 +141,21 @@ const Table* findTable(const QString& name) {
     return nullptr;
 }
 
+namespace {
+
+const Column* findColumn(const QString& table, const QString& column) {
+    if (const Table* t = findTable(table))
+        for (const Column& c : t->columns)
+            if (c.name.compare(column, Qt::CaseInsensitive) == 0)
+                return &c;
+    return nullptr;
+}
+
+} // namespace
+
 bool isDateColumn(const QString& table, const QString& column) {
-    const Table* t = findTable(table);
-    if (!t)
-        return false;
-    for (const Column& c : t->columns)
-        if (c.type == ColumnType::Date && c.name.compare(column, Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
+    const Column* c = findColumn(table, column);
+    return c && c->type == ColumnType::Date;
 }
 
 QStringList Table::textSearchColumns() const {
@@ -160,13 +167,8 @@ QStringList Table::textSearchColumns() const {
 }
 
 bool isTextSearchColumn(const QString& table, const QString& column) {
-    const Table* t = findTable(table);
-    if (!t)
-        return false;
-    for (const Column& c : t->columns)
-        if (c.textSearch() && c.name.compare(column, Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
+    const Column* c = findColumn(table, column);
+    return c && c->textSearch();
 }
 
 bool isTextColumnName(const QString& name) {

@@ -14,6 +14,7 @@
 
 #include <QLabel>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QtTest>
 #include <thread>
@@ -338,18 +339,26 @@ class TestIndexDocument : public QObject {
         screen->Show();
         fillValid();
         std::atomic<bool> locked = false;
+        QString blockerError;
         std::thread other([&] {
             {
                 QSqlDatabase db =
                     QSqlDatabase::addDatabase(QStringLiteral("QODBC"), QStringLiteral("blocker"));
                 db.setDatabaseName(GenMod::DataSourceName);
-                db.open();
                 QSqlQuery q(db);
-                q.exec("BEGIN");
                 // Reads go on; the save's Insert waits.
-                q.exec("LOCK TABLE \"Vorlane\" IN EXCLUSIVE MODE");
+                if (!db.open() || !q.exec("BEGIN") || !q.exec("LOCK TABLE \"Vorlane\" IN EXCLUSIVE MODE"))
+                    blockerError = db.lastError().text() + q.lastError().text();
                 locked = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(500));
+                // The server stops once the Insert waits on the lock, however slow the seat is.
+                for (int i = 0; blockerError.isEmpty() && i < 600; ++i) {
+                    QSqlQuery waiting(db);
+                    if (waiting.exec(
+                            "SELECT count(*) FROM pg_stat_activity WHERE wait_event_type = 'Lock'") &&
+                        waiting.next() && waiting.value(0).toInt() > 0)
+                        break;
+                    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                }
                 env->takeDatabaseAway();
             }
             QSqlDatabase::removeDatabase(QStringLiteral("blocker"));
@@ -358,6 +367,7 @@ class TestIndexDocument : public QObject {
             std::this_thread::yield();
         screen.press(2);
         other.join();
+        QVERIFY2(blockerError.isEmpty(), qPrintable(blockerError));
         QCOMPARE(testsupport::messageKinds(), QStringList({"16:"}));
         env->bringDatabaseBack();
         QCOMPARE(env->count("Vorlane"), 0);

@@ -233,7 +233,8 @@ bool writeReports(const QDir& folder) {
     for (const auto& [name, rows, full] : all)
         for (const auto& [paper, setup] :
              {std::pair{"A4", PageSetup::a4()}, std::pair{"Letter", PageSetup::letter()}}) {
-            Report report(designs::byName(name), [data = rows] { return std::make_unique<MemoryData>(data); });
+            Report report(designs::byName(name),
+                          [data = rows] { return std::make_unique<MemoryData>(data); });
             report.setPageSetup(setup);
             if (name == QLatin1String("rptSearchReport")) {
                 report.Sections("ReportHeader")
