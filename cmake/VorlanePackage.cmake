@@ -1,5 +1,6 @@
 # The Debian package, built by `cmake --build build --target deb` (cpack -G DEB):
-#   /usr/lib/vorlane/         the program folder: Vorlane, VorlaneSetup, VorlaneHelp, Vorlane.html,
+#   /usr/lib/vorlane/         the program folder: Vorlane, vorlane-reader, VorlaneSetup, VorlaneHelp,
+#                             Vorlane.html,
 #                             Database -> /var/lib/vorlane, Images -> /etc/vorlane/Images
 #   /usr/bin/vorlane          the command, leading to the program
 #   /var/lib/vorlane/         the data, made by postinst: writable by the group vorlane, the
@@ -13,7 +14,7 @@ set(pkg_src ${CMAKE_SOURCE_DIR}/packaging)
 set(pkg_bin ${CMAKE_BINARY_DIR}/packaging)
 set(deb COMPONENT deb EXCLUDE_FROM_ALL)
 
-install(TARGETS Vorlane VorlaneSetup VorlaneHelp RUNTIME DESTINATION lib/vorlane ${deb})
+install(TARGETS Vorlane vorlane-reader VorlaneSetup VorlaneHelp RUNTIME DESTINATION lib/vorlane ${deb})
 install(FILES ${VORLANE_PROGRAM_DIR}/Vorlane.html DESTINATION lib/vorlane ${deb})
 
 file(MAKE_DIRECTORY ${pkg_bin}/folder ${pkg_bin}/bin)
@@ -71,10 +72,10 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://www.vorlane.org/)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # The libraries it links come from dpkg-shlibdeps; the plug-ins Qt loads at run time, the
-# driver manager's tools and what the maintainer scripts call are named here.
+# driver manager's tools, the OCR's English data and what the maintainer scripts call are named here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "adduser, debconf (>= 0.5) | debconf-2.0, libqt6sql6-sqlite, libqt6sql6-odbc, libqt6svg6, qt6-qpa-plugins, unixodbc")
+    "adduser, debconf (>= 0.5) | debconf-2.0, libqt6sql6-sqlite, libqt6sql6-odbc, libqt6svg6, qt6-image-formats-plugins, qt6-qpa-plugins, tesseract-ocr-eng, unixodbc")
 # A workstation of an office whose data lies on a PostgreSQL server reaches it through this driver.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "odbc-postgresql")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
@@ -89,4 +90,4 @@ add_custom_target(deb
   WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
   COMMENT "Building the Debian package"
   USES_TERMINAL)
-add_dependencies(deb Vorlane VorlaneSetup VorlaneHelp vorlane_help vorlane_package_files)
+add_dependencies(deb Vorlane vorlane-reader VorlaneSetup VorlaneHelp vorlane_help vorlane_package_files)

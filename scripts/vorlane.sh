@@ -12,6 +12,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libqt6svg6
   libqt6sql6-sqlite libqt6sql6-odbc libsqlite3-dev unixodbc unixodbc-dev odbc-postgresql
   qt6-qpa-plugins fonts-dejavu-core fonts-liberation2
+  libpoppler-qt6-dev libtesseract-dev tesseract-ocr-eng libquazip1-qt6-dev qt6-image-formats-plugins
 )
 # The tests also run against a PostgreSQL 15 server of their own (tests/support/pgserver.sh).
 # The package test builds the Debian package, checks it with lintian and the validators of

@@ -54,7 +54,7 @@ expect "no package was built" test -f "$deb"
 root=$work/root
 dpkg-deb -x "$deb" "$root"
 dir=$root/usr/lib/vorlane
-for program in Vorlane VorlaneSetup VorlaneHelp; do
+for program in Vorlane vorlane-reader VorlaneSetup VorlaneHelp; do
     expect "$program is not an executable of the program folder" test -x "$dir/$program"
 done
 expect "the help file is not beside the program" test -f "$dir/Vorlane.html"
@@ -74,7 +74,8 @@ expect "the AppStream metadata is not valid" \
     appstreamcli validate --no-net --no-color "$root/usr/share/metainfo/org.vorlane.Vorlane.metainfo.xml"
 depends=$(dpkg-deb --field "$deb" Depends)
 for package in libqt6widgets6 libsqlite3-0 libodbc2 libqt6sql6-sqlite libqt6sql6-odbc libqt6svg6 \
-    qt6-qpa-plugins unixodbc adduser debconf; do
+    qt6-qpa-plugins unixodbc adduser debconf libpoppler-qt6-3 libtesseract5 libquazip1-qt6-1 tesseract-ocr-eng \
+    qt6-image-formats-plugins; do
     [[ ", $depends," == *", $package"[\ ,]* ]] || fail "the package does not depend on $package: $depends"
 done
 

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+class QProcess;
+class QTimer;
+
+// What reading one soft copy gave: its text, or why there is none.
+struct SoftCopyText {
+    enum class State { Read, Unreadable, Missing, NoTextForType };
+    State state = State::Unreadable;
+    QString reason; // in words for the clerk; empty when read
+    QString text;
+};
+
+// Reads the text of one soft copy through the helper program vorlane-reader, in a process of
+// its own, so that a damaged or hostile file may crash or hang only the helper. A reading that
+// passes the time limit is killed. Each reading starts a new helper.
+class SoftCopyReader : public QObject {
+    Q_OBJECT
+  public:
+    explicit SoftCopyReader(QObject* parent = nullptr);
+    ~SoftCopyReader() override;
+
+    // The helper: vorlane-reader beside the running program unless set.
+    void setHelper(const QString& program) { m_helper = program; }
+    // Options given to the helper before the path: OCR languages, limits (vorlane-reader --help).
+    void setHelperOptions(const QStringList& options) { m_options = options; }
+    // The longest a reading may take, in seconds (60 unless set).
+    void setTimeLimit(int seconds) { m_seconds = seconds; }
+
+    // Reads `path` and waits for the outcome: for background threads and tests. It blocks up to
+    // the time limit, so the GUI thread uses start().
+    SoftCopyText read(const QString& path) const;
+    // Starts reading `path` and returns at once; finished() tells the outcome. A reading that is
+    // still running is abandoned.
+    void start(const QString& path);
+    bool isReading() const { return m_process != nullptr; }
+
+  signals:
+    void finished(const SoftCopyText& result);
+
+  private:
+    QProcess* prepare(const QString& path, QObject* parent) const;
+    SoftCopyText outcome(QProcess& process, bool timedOut) const;
+    void finish(bool timedOut);
+    void dismiss(QProcess* process);
+
+    QString m_helper;
+    QStringList m_options;
+    int m_seconds = 60;
+    QProcess* m_process = nullptr;
+    QTimer* m_timer = nullptr;
+};

@@ -1,0 +1,56 @@
+#include "index/reader/Readers.h"
+
+#include <QImage>
+#include <cmath>
+#include <poppler-qt6.h>
+
+namespace reader {
+
+namespace {
+
+// The resolution at which a page without text is rendered for OCR.
+constexpr double kOcrDpi = 300.0;
+
+void quiet(const QString& /*message*/, const QVariant& /*closure*/) {}
+
+QImage renderForOcr(const Poppler::Page& page, qint64 maxPixels) {
+    const QSizeF inches = page.pageSizeF() / 72.0;
+    const double area = inches.width() * inches.height();
+    double dpi = kOcrDpi;
+    if (area > 0 && area * dpi * dpi > double(maxPixels))
+        dpi = std::sqrt(double(maxPixels) / area);
+    return page.renderToImage(dpi, dpi);
+}
+
+} // namespace
+
+// The text of every page, in order; a page that gives none (a scan) is rendered and read by OCR.
+QString readPdf(const QString& path, const Limits& limits) {
+    // Poppler reports what it mends in a damaged file on stderr, where the reason belongs.
+    Poppler::setDebugErrorFunction(quiet, QVariant());
+    const std::unique_ptr<Poppler::Document> document = Poppler::Document::load(path);
+    if (!document || document->numPages() <= 0)
+        throw Failure{Damaged, QStringLiteral("The PDF file is damaged and cannot be read.")};
+    if (document->isLocked())
+        throw Failure{Locked, QStringLiteral("The PDF file is protected by a password.")};
+    document->setRenderHint(Poppler::Document::Antialiasing);
+    document->setRenderHint(Poppler::Document::TextAntialiasing);
+    Ocr ocr(limits.languages);
+    QString text;
+    for (int i = 0; i < document->numPages(); ++i) {
+        const std::unique_ptr<Poppler::Page> page = document->page(i);
+        if (!page)
+            continue;
+        QString pageText = page->text(QRectF());
+        if (pageText.trimmed().isEmpty()) {
+            const QImage image = renderForOcr(*page, limits.maxPixels);
+            if (!image.isNull())
+                pageText = ocr.read(image);
+        }
+        text += pageText;
+        text += QLatin1Char('\n');
+    }
+    return text;
+}
+
+} // namespace reader

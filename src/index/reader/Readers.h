@@ -1,0 +1,49 @@
+#pragma once
+
+#include "index/reader/ReaderExit.h"
+
+#include <QString>
+#include <QtGlobal>
+#include <memory>
+
+class QImage;
+namespace tesseract {
+class TessBaseAPI;
+}
+
+// The readers of vorlane-reader, one per kind of file. Each returns the plain text of the file
+// at a path or throws a Failure.
+namespace reader {
+
+struct Failure {
+    Exit exit;
+    QString reason;
+};
+
+struct Limits {
+    QString languages = QStringLiteral("eng"); // Tesseract's names, joined by "+"
+    qint64 maxPixels = 100'000'000;            // of a picture, or of a page rendered for OCR
+    qint64 unpackedBytes = 256LL << 20;        // of the parts of an office file, together
+    qint64 textBytes = 32LL << 20;             // of a plain text file
+};
+
+// Reads the words of pictures through Tesseract, which is set up on the first picture.
+class Ocr {
+  public:
+    explicit Ocr(QString languages);
+    ~Ocr();
+    Ocr(const Ocr&) = delete;
+    Ocr& operator=(const Ocr&) = delete;
+    QString read(const QImage& image);
+
+  private:
+    QString m_languages;
+    std::unique_ptr<tesseract::TessBaseAPI> m_api;
+};
+
+QString readPdf(const QString& path, const Limits& limits);
+QString readPicture(const QString& path, const Limits& limits);
+QString readOffice(const QString& path, const Limits& limits);
+QString readPlainText(const QString& path, const Limits& limits);
+
+} // namespace reader

@@ -1,0 +1,167 @@
+// Reading the text of soft copies through the helper vorlane-reader: files of each kind made
+// here, bad input, and helpers that hang or crash.
+#include "index/SoftCopyReader.h"
+#include "reports/ReportEngine.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <quazip.h>
+#include <quazipfile.h>
+#include <sys/stat.h>
+
+using State = SoftCopyText::State;
+
+namespace {
+
+// Words in the reports' bold face, large and black on white, as a scanner would give them.
+QImage picture(const QString& words, int points = 40) {
+    QImage image(1400, 300, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setFont(reports::reportFont({double(points), true}));
+    painter.drawText(image.rect(), Qt::AlignCenter, words);
+    return image;
+}
+
+void writePdf(const QString& path, const QString& words, bool scanned) {
+    QPdfWriter writer(path);
+    QPainter painter(&writer);
+    if (scanned) {
+        painter.drawImage(QRect(0, 0, writer.width(), writer.width() * 3 / 14), picture(words));
+    } else {
+        painter.setFont(reports::reportFont({14.0}));
+        painter.drawText(QPointF(300, 600), words);
+    }
+}
+
+void writeZip(const QString& path, const QString& entry, const QByteArray& xml) {
+    QuaZip zip(path);
+    zip.open(QuaZip::mdCreate);
+    QuaZipFile file(&zip);
+    file.open(QIODevice::WriteOnly, QuaZipNewInfo(entry));
+    file.write(xml);
+    file.close();
+    zip.close();
+}
+
+void writeFile(const QString& path, const QByteArray& data) {
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(data);
+}
+
+QByteArray docx(const QByteArray& words) {
+    return "<w:document xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"><w:body>"
+           "<w:p><w:r><w:t>" +
+           words + "</w:t></w:r></w:p></w:body></w:document>";
+}
+
+} // namespace
+
+class tst_SoftCopyReader : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+
+  private slots:
+    void initTestCase();
+    void read_data();
+    void read();
+    void startWithoutWaiting_data();
+    void startWithoutWaiting();
+};
+
+void tst_SoftCopyReader::initTestCase() {
+    writePdf(path(QStringLiteral("text.pdf")), QStringLiteral("Marmalade shipment"), false);
+    writePdf(path(QStringLiteral("scanned.pdf")), QStringLiteral("LIGHTHOUSE"), true);
+    QVERIFY(picture(QStringLiteral("PELICAN"), 60).save(path(QStringLiteral("words.png"))));
+    QVERIFY(QImage(1100, 1000, QImage::Format_Mono).save(path(QStringLiteral("large.png"))));
+    writeZip(path(QStringLiteral("letter.docx")), QStringLiteral("word/document.xml"),
+             docx("Quarterly report"));
+    writeZip(path(QStringLiteral("bomb.docx")), QStringLiteral("word/document.xml"),
+             docx(QByteArray(3 << 20, 'a')));
+    writeZip(path(QStringLiteral("minutes.odt")), QStringLiteral("content.xml"),
+             "<office:document-content xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+             "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\"><office:body><office:text>"
+             "<text:p>Parliament<text:s text:c=\"2\"/>minutes</text:p></office:text></office:body>"
+             "</office:document-content>");
+    writeFile(path(QStringLiteral("note.txt")), "Crocodile caf\xe9"); // Latin-1, not UTF-8
+    writeFile(path(QStringLiteral("old.doc")), QByteArray(512, '\0'));
+    QFile pdf(path(QStringLiteral("text.pdf")));
+    QVERIFY(pdf.open(QIODevice::ReadOnly));
+    writeFile(path(QStringLiteral("damaged.pdf")), pdf.read(pdf.size() / 3));
+    QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("folder.pdf")));
+    QCOMPARE(mkfifo(path(QStringLiteral("hang.txt")).toLocal8Bit().constData(), 0600), 0);
+    writeFile(path(QStringLiteral("crash.sh")), "#!/bin/sh\nkill -SEGV $$\n");
+    QFile::setPermissions(path(QStringLiteral("crash.sh")), QFile::ReadOwner | QFile::ExeOwner);
+}
+
+void tst_SoftCopyReader::read_data() {
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<State>("state");
+    QTest::addColumn<QString>("expected"); // in the text when read, else in the reason
+
+    const QStringList none;
+    QTest::newRow("pdf") << "text.pdf" << none << State::Read << "Marmalade shipment";
+    QTest::newRow("scanned pdf") << "scanned.pdf" << none << State::Read << "LIGHTHOUSE";
+    QTest::newRow("picture") << "words.png" << none << State::Read << "PELICAN";
+    QTest::newRow("docx") << "letter.docx" << none << State::Read << "Quarterly report";
+    QTest::newRow("odt") << "minutes.odt" << none << State::Read << "Parliament  minutes";
+    QTest::newRow("latin-1 text") << "note.txt" << none << State::Read << "Crocodile café";
+    QTest::newRow("damaged pdf") << "damaged.pdf" << none << State::Unreadable << "damaged";
+    QTest::newRow("zip bomb") << "bomb.docx" << QStringList{QStringLiteral("--unpacked-mb=1")}
+                              << State::Unreadable << "unpacks to more than 1 MB";
+    QTest::newRow("huge picture") << "large.png" << QStringList{QStringLiteral("--max-megapixels=1")}
+                                  << State::Unreadable << "more than 1 megapixels";
+    QTest::newRow("folder") << "folder.pdf" << none << State::Unreadable << "folder";
+    QTest::newRow("missing") << "nothing.pdf" << none << State::Missing << "no file";
+    QTest::newRow("old word") << "old.doc" << none << State::NoTextForType << "this kind of file (.doc)";
+    QTest::newRow("hangs") << "hang.txt" << none << State::Unreadable << "stopped after 2 seconds";
+    QTest::newRow("crashes") << "crash.sh" << none << State::Unreadable << "crashed";
+}
+
+void tst_SoftCopyReader::read() {
+    QFETCH(QString, file);
+    QFETCH(QStringList, options);
+    QFETCH(State, state);
+    QFETCH(QString, expected);
+    SoftCopyReader reader;
+    reader.setHelper(file == QLatin1String("crash.sh") ? path(file) : QStringLiteral(VORLANE_READER));
+    reader.setHelperOptions(options);
+    reader.setTimeLimit(2);
+    const SoftCopyText result = reader.read(path(file));
+    QCOMPARE(result.reason.isEmpty(), state == State::Read);
+    QVERIFY2((state == State::Read ? result.text : result.reason).contains(expected, Qt::CaseInsensitive),
+             qPrintable(result.reason + result.text));
+    QCOMPARE(result.state, state);
+}
+
+void tst_SoftCopyReader::startWithoutWaiting_data() {
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<State>("state");
+    QTest::newRow("read") << "note.txt" << State::Read;
+    QTest::newRow("hangs") << "hang.txt" << State::Unreadable;
+}
+
+// The GUI thread's way: start() returns at once and the outcome arrives as a signal.
+void tst_SoftCopyReader::startWithoutWaiting() {
+    QFETCH(QString, file);
+    QFETCH(State, state);
+    SoftCopyReader reader;
+    reader.setHelper(QStringLiteral(VORLANE_READER));
+    reader.setTimeLimit(1);
+    QSignalSpy finished(&reader, &SoftCopyReader::finished);
+    reader.start(path(file));
+    QVERIFY(reader.isReading());
+    QVERIFY(finished.wait(30'000));
+    QCOMPARE(finished.constFirst().constFirst().value<SoftCopyText>().state, state);
+    QVERIFY(!reader.isReading());
+}
+
+QTEST_MAIN(tst_SoftCopyReader)
+#include "tst_softcopyreader.moc"
