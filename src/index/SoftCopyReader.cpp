@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QTimer>
+#include <csignal>
 #include <memory>
 #include <utility>
 
@@ -58,8 +59,14 @@ SoftCopyText SoftCopyReader::outcome(QProcess& process, bool timedOut) const {
         return {State::Unreadable,
                 QStringLiteral("The reader stopped after %1 seconds.").arg(QString::number(m_seconds)),
                 {}};
+    // After a crash, QProcess gives the number of the signal that ended the helper as its code.
+    // SIGKILL comes from outside: the kernel short of memory, or the hard processor-time limit.
     if (process.exitStatus() == QProcess::CrashExit)
-        return {State::Unreadable, QStringLiteral("The reader crashed while reading this file."), {}};
+        return {State::Unreadable,
+                process.exitCode() == SIGKILL
+                    ? QStringLiteral("The reader was stopped from outside while reading this file.")
+                    : QStringLiteral("The reader crashed while reading this file."),
+                {}};
     // The reason is the helper's last line: the libraries may have said more before it.
     const QString said = QString::fromUtf8(process.readAllStandardError()).trimmed();
     QString reason = said.mid(said.lastIndexOf(QLatin1Char('\n')) + 1);

@@ -94,10 +94,20 @@ void tst_SoftCopyReader::initTestCase() {
     QFile pdf(path(QStringLiteral("text.pdf")));
     QVERIFY(pdf.open(QIODevice::ReadOnly));
     writeFile(path(QStringLiteral("damaged.pdf")), pdf.read(pdf.size() / 3));
+    // Encrypted for a user password that the empty one does not match.
+    const QByteArray key = "<" + QByteArray(64, 'a') + ">";
+    writeFile(
+        path(QStringLiteral("locked.pdf")),
+        "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[]/Count 0>> "
+        "endobj\n3 0 obj <</Filter/Standard/V 1/R 2/O" +
+            key + "/U" + key + "/P -4>> endobj\ntrailer <</Root 1 0 R/Encrypt 3 0 R/Size 4>>\n%%EOF\n");
     QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("folder.pdf")));
     QCOMPARE(mkfifo(path(QStringLiteral("hang.txt")).toLocal8Bit().constData(), 0600), 0);
-    writeFile(path(QStringLiteral("crash.sh")), "#!/bin/sh\nkill -SEGV $$\n");
-    QFile::setPermissions(path(QStringLiteral("crash.sh")), QFile::ReadOwner | QFile::ExeOwner);
+    for (const char* signal : {"SEGV", "KILL"}) {
+        const QString helper = path(QStringLiteral("%1.sh").arg(QLatin1String(signal)));
+        writeFile(helper, QByteArray("#!/bin/sh\nkill -") + signal + " $$\n");
+        QFile::setPermissions(helper, QFile::ReadOwner | QFile::ExeOwner);
+    }
 }
 
 void tst_SoftCopyReader::read_data() {
@@ -105,24 +115,32 @@ void tst_SoftCopyReader::read_data() {
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<State>("state");
     QTest::addColumn<QString>("expected"); // in the text when read, else in the reason
+    QTest::addColumn<QString>("helper");   // in the test's folder; else the real one
 
-    const QStringList none;
-    QTest::newRow("pdf") << "text.pdf" << none << State::Read << "Marmalade shipment";
-    QTest::newRow("scanned pdf") << "scanned.pdf" << none << State::Read << "LIGHTHOUSE";
-    QTest::newRow("picture") << "words.png" << none << State::Read << "PELICAN";
-    QTest::newRow("docx") << "letter.docx" << none << State::Read << "Quarterly report";
-    QTest::newRow("odt") << "minutes.odt" << none << State::Read << "Parliament  minutes";
-    QTest::newRow("latin-1 text") << "note.txt" << none << State::Read << "Crocodile café";
-    QTest::newRow("damaged pdf") << "damaged.pdf" << none << State::Unreadable << "damaged";
-    QTest::newRow("zip bomb") << "bomb.docx" << QStringList{QStringLiteral("--unpacked-mb=1")}
-                              << State::Unreadable << "unpacks to more than 1 MB";
-    QTest::newRow("huge picture") << "large.png" << QStringList{QStringLiteral("--max-megapixels=1")}
-                                  << State::Unreadable << "more than 1 megapixels";
-    QTest::newRow("folder") << "folder.pdf" << none << State::Unreadable << "folder";
-    QTest::newRow("missing") << "nothing.pdf" << none << State::Missing << "no file";
-    QTest::newRow("old word") << "old.doc" << none << State::NoTextForType << "this kind of file (.doc)";
-    QTest::newRow("hangs") << "hang.txt" << none << State::Unreadable << "stopped after 2 seconds";
-    QTest::newRow("crashes") << "crash.sh" << none << State::Unreadable << "crashed";
+    const auto row = [](const char* name, const char* file, State state, const char* expected,
+                        const QStringList& options = {}, const char* helper = "") {
+        QTest::newRow(name) << QString::fromUtf8(file) << options << state << QString::fromUtf8(expected)
+                            << QString::fromUtf8(helper);
+    };
+    row("pdf", "text.pdf", State::Read, "Marmalade shipment");
+    row("scanned pdf", "scanned.pdf", State::Read, "LIGHTHOUSE");
+    row("picture", "words.png", State::Read, "PELICAN");
+    row("docx", "letter.docx", State::Read, "Quarterly report");
+    row("odt", "minutes.odt", State::Read, "Parliament  minutes");
+    row("latin-1 text", "note.txt", State::Read, "Crocodile café");
+    row("damaged pdf", "damaged.pdf", State::Unreadable, "damaged");
+    row("locked pdf", "locked.pdf", State::Unreadable, "password");
+    row("zip bomb", "bomb.docx", State::Unreadable, "unpacks to more than 1 MB",
+        {QStringLiteral("--unpacked-mb=1")});
+    row("huge picture", "large.png", State::Unreadable, "more than 1 megapixels",
+        {QStringLiteral("--max-megapixels=1")});
+    row("folder", "folder.pdf", State::Unreadable, "folder");
+    row("missing", "nothing.pdf", State::Missing, "no file");
+    row("old word", "old.doc", State::NoTextForType, "this kind of file (.doc)");
+    row("hangs", "hang.txt", State::Unreadable, "stopped after 2 seconds");
+    row("crashes", "note.txt", State::Unreadable, "crashed", {}, "SEGV.sh");
+    row("killed", "note.txt", State::Unreadable, "stopped from outside", {}, "KILL.sh");
+    row("no helper", "note.txt", State::Unreadable, "could not be started", {}, "none");
 }
 
 void tst_SoftCopyReader::read() {
@@ -130,8 +148,9 @@ void tst_SoftCopyReader::read() {
     QFETCH(QStringList, options);
     QFETCH(State, state);
     QFETCH(QString, expected);
+    QFETCH(QString, helper);
     SoftCopyReader reader;
-    reader.setHelper(file == QLatin1String("crash.sh") ? path(file) : QStringLiteral(VORLANE_READER));
+    reader.setHelper(helper.isEmpty() ? QStringLiteral(VORLANE_READER) : path(helper));
     reader.setHelperOptions(options);
     reader.setTimeLimit(2);
     const SoftCopyText result = reader.read(path(file));

@@ -29,10 +29,10 @@ QString readPdf(const QString& path, const Limits& limits) {
     // Poppler reports what it mends in a damaged file on stderr, where the reason belongs.
     Poppler::setDebugErrorFunction(quiet, QVariant());
     const std::unique_ptr<Poppler::Document> document = Poppler::Document::load(path);
+    if (document && document->isLocked())
+        throw Failure{Locked, QStringLiteral("The PDF file is protected by a password.")};
     if (!document || document->numPages() <= 0)
         throw Failure{Damaged, QStringLiteral("The PDF file is damaged and cannot be read.")};
-    if (document->isLocked())
-        throw Failure{Locked, QStringLiteral("The PDF file is protected by a password.")};
     document->setRenderHint(Poppler::Document::Antialiasing);
     document->setRenderHint(Poppler::Document::TextAntialiasing);
     Ocr ocr(limits.languages);
