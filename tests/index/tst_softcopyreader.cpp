@@ -38,13 +38,15 @@ void writePdf(const QString& path, const QString& words, bool scanned) {
     }
 }
 
-void writeZip(const QString& path, const QString& entry, const QByteArray& xml) {
+void writeZip(const QString& path, const QString& entry, const QByteArray& xml, const QString& entry2 = {},
+              const QByteArray& xml2 = {}) {
     QuaZip zip(path);
     zip.open(QuaZip::mdCreate);
-    QuaZipFile file(&zip);
-    file.open(QIODevice::WriteOnly, QuaZipNewInfo(entry));
-    file.write(xml);
-    file.close();
+    for (const auto& [name, data] : {std::pair(entry, xml), std::pair(entry2, xml2)}) {
+        QuaZipFile file(&zip);
+        if (!name.isEmpty() && file.open(QIODevice::WriteOnly, QuaZipNewInfo(name)))
+            file.write(data);
+    }
     zip.close();
 }
 
@@ -89,6 +91,11 @@ void tst_SoftCopyReader::initTestCase() {
              "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\"><office:body><office:text>"
              "<text:p>Parliament<text:s text:c=\"2\"/>minutes</text:p></office:text></office:body>"
              "</office:document-content>");
+    // A shared string, then a sheet whose first cell points at it and whose second holds a number.
+    writeZip(
+        path(QStringLiteral("sales.xlsx")), QStringLiteral("xl/sharedStrings.xml"),
+        "<sst><si><t>Invoice</t></si></sst>", QStringLiteral("xl/worksheets/sheet1.xml"),
+        "<worksheet><sheetData><row><c t=\"s\"><v>0</v></c><c><v>4711</v></c></row></sheetData></worksheet>");
     writeFile(path(QStringLiteral("note.txt")), "Crocodile caf\xe9"); // Latin-1, not UTF-8
     writeFile(path(QStringLiteral("old.doc")), QByteArray(512, '\0'));
     QFile pdf(path(QStringLiteral("text.pdf")));
@@ -126,6 +133,7 @@ void tst_SoftCopyReader::read_data() {
     row("scanned pdf", "scanned.pdf", State::Read, "LIGHTHOUSE");
     row("picture", "words.png", State::Read, "PELICAN");
     row("docx", "letter.docx", State::Read, "Quarterly report");
+    row("xlsx", "sales.xlsx", State::Read, "Invoice\n4711");
     row("odt", "minutes.odt", State::Read, "Parliament  minutes");
     row("latin-1 text", "note.txt", State::Read, "Crocodile café");
     row("damaged pdf", "damaged.pdf", State::Unreadable, "damaged");

@@ -5,6 +5,7 @@
 #include <QXmlStreamReader>
 #include <quazip.h>
 #include <quazipfile.h>
+#include <utility>
 
 namespace reader {
 
@@ -45,8 +46,13 @@ void endLine(QString& text) {
 // The words of one XML part: the text of the kind's text elements, paragraphs, cells and shared
 // strings on lines of their own, tabs and spaces as they stand.
 void appendXmlText(const QByteArray& xml, const Kind& kind, QString& text) {
+    // A spreadsheet cell's value is kept, unless it stands for a shared string (read from its own
+    // part), a truth value or an error.
+    static const QStringList cellsWithoutText{QStringLiteral("s"), QStringLiteral("b"), QStringLiteral("e")};
     QXmlStreamReader reader(xml);
     int inText = 0;
+    QString cellType;
+    bool inValue = false;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement: {
@@ -60,11 +66,18 @@ void appendXmlText(const QByteArray& xml, const Kind& kind, QString& text) {
             else if (name == QLatin1String("s") && inText > 0) // OpenDocument's run of spaces
                 text += QString(qMax(1, reader.attributes().value(QLatin1String("text:c")).toInt()),
                                 QLatin1Char(' '));
+            else if (name == QLatin1String("c"))
+                cellType = reader.attributes().value(QLatin1String("t")).toString();
+            else if (name == QLatin1String("v") && !cellsWithoutText.contains(cellType)) {
+                inValue = true;
+                ++inText;
+            }
             break;
         }
         case QXmlStreamReader::EndElement: {
             const QStringView name = reader.name();
-            if (kind.textElements.contains(name))
+            if (kind.textElements.contains(name) ||
+                (name == QLatin1String("v") && std::exchange(inValue, false)))
                 --inText;
             if (name == QLatin1String("p") || name == QLatin1String("h") || name == QLatin1String("si") ||
                 name == QLatin1String("c"))
