@@ -9,17 +9,18 @@ namespace reader {
 namespace {
 
 // The resolution at which a page without text is rendered for OCR.
-constexpr double kOcrDpi = 300.0;
+constexpr int kOcrDpi = 300;
 
 void quiet(const QString& /*message*/, const QVariant& /*closure*/) {}
 
-QImage renderForOcr(const Poppler::Page& page, qint64 maxPixels) {
+// The resolution at which `page` is rendered for OCR: a very large page gets less, so that its
+// picture stays within the limit of pixels.
+int ocrDpi(const Poppler::Page& page, qint64 maxPixels) {
     const QSizeF inches = page.pageSizeF() / 72.0;
     const double area = inches.width() * inches.height();
-    double dpi = kOcrDpi;
-    if (area > 0 && area * dpi * dpi > double(maxPixels))
-        dpi = std::sqrt(double(maxPixels) / area);
-    return page.renderToImage(dpi, dpi);
+    if (area > 0 && area * kOcrDpi * kOcrDpi > double(maxPixels))
+        return qMax(1, int(std::sqrt(double(maxPixels) / area)));
+    return kOcrDpi;
 }
 
 } // namespace
@@ -43,9 +44,10 @@ QString readPdf(const QString& path, const Limits& limits) {
             continue;
         QString pageText = page->text(QRectF());
         if (pageText.trimmed().isEmpty()) {
-            const QImage image = renderForOcr(*page, limits.maxPixels);
+            const int dpi = ocrDpi(*page, limits.maxPixels);
+            const QImage image = page->renderToImage(dpi, dpi);
             if (!image.isNull())
-                pageText = ocr.read(image);
+                pageText = ocr.read(image, dpi);
         }
         text += pageText;
         text += QLatin1Char('\n');

@@ -13,7 +13,7 @@ Ocr::~Ocr() {
         m_api->End();
 }
 
-QString Ocr::read(const QImage& image) {
+QString Ocr::read(const QImage& image, int dpi) {
     if (!m_api) {
         m_api = std::make_unique<tesseract::TessBaseAPI>();
         // Tesseract's notes to the developer stay out of the reason the reader gives.
@@ -23,9 +23,13 @@ QString Ocr::read(const QImage& image) {
             throw Failure{NoOcr, QStringLiteral("The OCR languages \"%1\" are not installed on this machine.")
                                      .arg(m_languages)};
         }
+        // A page of a letter may hold columns and blocks anywhere, not one block of text.
+        m_api->SetPageSegMode(tesseract::PSM_AUTO);
     }
     const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
     m_api->SetImage(grey.constBits(), grey.width(), grey.height(), 1, int(grey.bytesPerLine()));
+    if (dpi > 0)
+        m_api->SetSourceResolution(dpi);
     const std::unique_ptr<char[]> text(m_api->GetUTF8Text());
     return text ? QString::fromUtf8(text.get()) : QString();
 }

@@ -34,7 +34,8 @@ class Ocr {
     ~Ocr();
     Ocr(const Ocr&) = delete;
     Ocr& operator=(const Ocr&) = delete;
-    QString read(const QImage& image);
+    // The words of `image`; `dpi` is its resolution when known (a rendered page), else 0.
+    QString read(const QImage& image, int dpi = 0);
 
   private:
     QString m_languages;
