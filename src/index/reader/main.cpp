@@ -55,18 +55,23 @@ QString readText(const QString& path, const reader::Limits& limits) {
     static const QStringList plain{QStringLiteral("txt"), QStringLiteral("text"), QStringLiteral("csv"),
                                    QStringLiteral("tsv"), QStringLiteral("log"),  QStringLiteral("md")};
     const QString kind = info.suffix().toLower();
+    if (kind != QLatin1String("pdf") && !pictures.contains(kind) && !office.contains(kind) &&
+        !plain.contains(kind))
+        throw Failure{reader::NoTextForType,
+                      kind.isEmpty()
+                          ? QStringLiteral("No text can be read from this kind of file.")
+                          : QStringLiteral("No text can be read from this kind of file (.%1).").arg(kind)};
+    // The libraries would take a file that may not be read for a damaged one.
+    if (QFile probe(path); !probe.open(QIODevice::ReadOnly))
+        throw Failure{reader::CannotOpen,
+                      QStringLiteral("The file cannot be opened: %1.").arg(probe.errorString())};
     if (kind == QLatin1String("pdf"))
         return readPdf(path, limits);
     if (pictures.contains(kind))
         return readPicture(path, limits);
     if (office.contains(kind))
         return readOffice(path, limits);
-    if (plain.contains(kind))
-        return readPlainText(path, limits);
-    throw Failure{reader::NoTextForType,
-                  kind.isEmpty()
-                      ? QStringLiteral("No text can be read from this kind of file.")
-                      : QStringLiteral("No text can be read from this kind of file (.%1).").arg(kind)};
+    return readPlainText(path, limits);
 }
 
 // Ends the reader at once. A reader whose memory ran out may hold a library's lock, and the
