@@ -32,7 +32,8 @@ class SoftCopyReader : public QObject {
     void setTimeLimit(int seconds) { m_seconds = seconds; }
 
     // Reads `path` and waits for the outcome: for background threads and tests. It blocks up to
-    // the time limit, so the GUI thread uses start().
+    // the time limit, so the GUI thread uses start(). Any thread may call it: it uses nothing of
+    // the object but its settings, and runs its helper in the calling thread.
     SoftCopyText read(const QString& path) const;
     // Starts reading `path` and returns at once; finished() tells the outcome. A reading that is
     // still running is abandoned.
