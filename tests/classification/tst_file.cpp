@@ -184,12 +184,6 @@ class TestFileRegister : public QObject {
         QCOMPARE(screen->CurrentRowID, 2);
         QCOMPARE(screen.values("txtFileNo txtParticulars"), QStringLiteral("10|Ten"));
         QVERIFY(!screen.isShown("lstFile"));
-
-        // Reset while the list is shown hides it and drops the loaded row.
-        screen.press(1);
-        screen.press(0);
-        QVERIFY(!screen.isShown("lstFile") && !screen->EditMode);
-        QCOMPARE(screen.values("txtFileNo txtParticulars"), QStringLiteral("|"));
         QCOMPARE(messages(), QStringList());
     }
 
