@@ -24,13 +24,10 @@ class HelpViewerTest : public QObject {
                                         "<h2 id=\"empty\"> </h2><p>c</p>"
                                         "<h2>No anchor</h2><p>b</p>"));
         const QList<HelpSection> sections = helpSections(document);
-        QCOMPARE(sections.size(), 3);
-        QCOMPARE(sections[0].title, QStringLiteral("Logging in"));
-        QCOMPARE(sections[0].anchor, QStringLiteral("login"));
-        QCOMPARE(sections[1].title, QStringLiteral("The main window & toolbar"));
-        QCOMPARE(sections[1].anchor, QStringLiteral("main"));
-        QCOMPARE(sections[2].title, QStringLiteral("No anchor"));
-        QVERIFY(sections[2].anchor.isEmpty());
+        QStringList found;
+        for (const HelpSection& section : sections)
+            found << section.title + QLatin1Char('|') + section.anchor;
+        QCOMPARE(found, QStringList({"Logging in|login", "The main window & toolbar|main", "No anchor|"}));
         QVERIFY(sections[0].position < sections[1].position);
         QVERIFY(sections[1].position < sections[2].position);
         QCOMPARE(document.findBlock(sections[2].position).text(), QStringLiteral("No anchor"));

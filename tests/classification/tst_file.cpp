@@ -57,7 +57,6 @@ class TestFileRegister : public QObject {
         QWidget* w = screen.window();
         w->resize(w->sizeHint());
         QCoreApplication::processEvents();
-        QCOMPARE(screen.focus(), screen.ctl("txtFileNo"));
 
         screen.press(1);
         QVERIFY(screen.isShown("lstFile"));
