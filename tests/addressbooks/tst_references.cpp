@@ -140,8 +140,6 @@ class TestReferences : public QObject {
         QCOMPARE(names(), QStringList({"abc Motors", "The ABC of tax"}));
         search("");
         QCOMPARE(screen.rows("lstRef").size(), 5);
-        search("n_");
-        QCOMPARE(names(), QStringList({"Land_registry", "Zoning board"}));
         screen.type("txtSearchName", "0%o");
         QTest::keyClick(searchText, Qt::Key_Return); // Enter searches too
         QCOMPARE(names(), QStringList({"50% off"}));
@@ -194,24 +192,6 @@ class TestReferences : public QObject {
         QCOMPARE(stored("OnlineLink", 7), QStringLiteral("https://notary.example"));
         QCOMPARE(env->count("References"), 2);
         QVERIFY(!screen.isShown("fraList"));
-    }
-
-    void longAndForeignText() {
-        screen->Show();
-        const QString particulars = QString(10000, QLatin1Char('p'));
-        // No box has a limit of its own.
-        const QString link = QStringLiteral("https://example.org/") + QString(40000, QLatin1Char('a'));
-        const QString name = QStringLiteral("Łódź Ωmega 東京 €");
-        screen.ctl<QLineEdit>("txtRefName")->setText(name);
-        screen.ctl<QPlainTextEdit>("txtParticulars")->setPlainText(particulars);
-        screen.ctl<QLineEdit>("txtLink")->setText(link);
-        screen.press(2);
-        QCOMPARE(messages(), QStringList({Saved}));
-        screen.press(1);
-        screen.dblClick("lstRef", name, 1);
-        QCOMPARE(screen.ctl<QPlainTextEdit>("txtParticulars")->toPlainText(), particulars);
-        QCOMPARE(screen.text("txtLink"), link);
-        QCOMPARE(screen.text("txtRefName"), name);
     }
 
     // The screen opens without the data store. Printing reads the whole table anew, whatever

@@ -103,7 +103,8 @@ QList<Expected> table() {
     add("ImgInternetRef", frmReferences::instance(), "Internet References", "fraList",
         "cmd=Reset/Edit/Save/Close/Print List; lblName=Reference Name :; Label1=Particulars :; "
         "lblPhone=Online Link :; lblSearchRef=Reference Name containing :; lblShowAll=Show all; "
-        "cmdSearch=Search; chkShowAll=1; txtLink.tip=Paste here links copied from your browsers address "
+        "cmdSearch=Search; chkShowAll=1; txtLink=2147483647; txtLink.tip=Paste here links copied from your "
+        "browsers address "
         "bar; lstRef=[Ref ID]/Reference Name/Online Link; lstRef.tip=Double click a record to edit",
         "txtRefName txtParticulars txtLink txtSearchName cmdSearch chkShowAll lstRef cmd(0) cmd(1) cmd(2) "
         "cmd(3) cmd(4)");
@@ -111,6 +112,7 @@ QList<Expected> table() {
         "cmd=Reset/Edit/Save/Close/Print List; lblName=Name :; lblAddress=Address :; lblPhone=Phone No. "
         ":; lblCell=Cell No. :; lblFax=Fax No. :; lblEmail=Email :; Label1=Remarks :; "
         "lblSearchRef=Contact Name containing :; lblShowAll=Show all; cmdSearch=Search; chkShowAll=0; "
+        "txtAdd1=2147483647; "
         "lstContacts=[Contact ID]/Contact Name/Phone/Cell/Email",
         "txtName txtAdd1 txtAdd2 txtAdd3 txtPhone txtCell txtFax txtEmail txtRemarks txtSearchName "
         "cmdSearch chkShowAll lstContacts cmd(0) cmd(1) cmd(2) cmd(3) cmd(4)");

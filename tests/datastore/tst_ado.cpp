@@ -81,11 +81,6 @@ void AdoTest::dataSourceResolution() {
 
     QVERIFY(QFile::remove(file));
     QVERIFY(QFile::rename(kept, file));
-    // The reports' form of the connection string reaches the same store.
-    db::Connection reports;
-    reports.Open(QStringLiteral("PROVIDER=MSDataShape;DATA PROVIDER=MSDASQL.1;Password=tarvo@48213;"
-                                "Persist Security Info=True;User ID=Admin;Data Source=Vorlane;"));
-    QVERIFY(reports.isOpen());
     QCOMPARE(scalar(openStore(), QStringLiteral("Select count(*) from Logins")).toInt(), 1);
 
     // A data source known to the driver manager wins over the file, even when it cannot be reached.
@@ -115,13 +110,10 @@ void AdoTest::createDatabaseRefusesToOverwrite() {
     db::Recordset rs;
     rs.Open(QStringLiteral("Select * from Logins"), c, db::adOpenStatic, db::adLockReadOnly);
     QCOMPARE(rs.RecordCount(), 1);
-    QCOMPARE(rs.Fields(QStringLiteral("UserID")).toInt(), 1);
-    QCOMPARE(rs.Fields(QStringLiteral("UserName")).toString(), kUser);
-    QCOMPARE(rs.Fields(QStringLiteral("Password")).toString(), kPassword);
-    QCOMPARE(rs.Fields(QStringLiteral("View")).toInt(), 0);
-    QCOMPARE(rs.Fields(QStringLiteral("Save")).toInt(), 0);
-    QCOMPARE(rs.Fields(QStringLiteral("Modify")).toInt(), 1);
-    QCOMPARE(rs.Fields(QStringLiteral("UpdatedBy")).toInt(), 1);
+    QStringList values;
+    for (const char* column : {"UserID", "UserName", "Password", "View", "Save", "Modify", "UpdatedBy"})
+        values << rs.Fields(QString::fromLatin1(column)).toString();
+    QCOMPARE(values, QStringList({"1", kUser, kPassword, "0", "0", "1", "1"}));
 
     // A new file in a folder that does not exist yet.
     const QString elsewhere = QDir(m_env->appPath()).filePath(QStringLiteral("new/Database/Vorlane.mdb"));

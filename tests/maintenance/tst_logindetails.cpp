@@ -67,7 +67,7 @@ class TestLoginDetails : public QObject {
     }
     void cleanup() { endCase(env); }
 
-    // The password shows "$" for each character; Space ticks a box, Escape closes the screen.
+    // The password shows "$" for each character; Space ticks a box.
     // The load neither resets nor reads: a row loaded before Close is still the one Save updates.
     void theKeyboardAndTheLoad() {
         auto* password = screen.ctl<QLineEdit>("txtPassword");
@@ -76,9 +76,6 @@ class TestLoginDetails : public QObject {
         QVERIFY(QTest::qWaitForWindowActive(screen.window()));
         QTest::keyClick(screen.ctl<QCheckBox>("chkEdit"), Qt::Key_Space);
         QCOMPARE(boxes(), QStringLiteral("0|0|1"));
-        // Escape throws nothing typed away.
-        QTest::keyClick(screen.ctl("txtUserName"), Qt::Key_Escape);
-        QVERIFY(screen->isLoaded());
         screen->Unload();
 
         screen->EditMode = true;
@@ -192,9 +189,7 @@ class TestLoginDetails : public QObject {
     void theCharacterThatScramblesIntoAQuoteBreaksTheSave() {
         fill(QStringLiteral("\u00D8le"), "pw");
         screen.press(2);
-        QStringList shown = messages();
-        QCOMPARE(shown.size(), 2);
-        QVERIFY(shown[0].startsWith("16:") && shown[1].startsWith("16:"));
+        QCOMPARE(messageKinds(), QStringList({"16:", "16:"}));
         QCOMPARE(env->count("Logins"), 1);
         QCOMPARE(screen.text("txtUserName"), QStringLiteral("\u00D8le"));
 
@@ -202,9 +197,7 @@ class TestLoginDetails : public QObject {
         screen.dblClick("lstUsers", "admin");
         screen.type("txtPassword", QStringLiteral("x\u00D8 or 1=1"));
         screen.press(2);
-        shown = messages();
-        QCOMPARE(shown.size(), 1);
-        QVERIFY(shown[0].startsWith("16:"));
+        QCOMPARE(messageKinds(), QStringList{"16:"});
         QVERIFY(screen->EditMode);
         QVERIFY(logsIn("admin", "admin"));
     }
@@ -227,8 +220,6 @@ class TestLoginDetails : public QObject {
         // Names and passwords of the full 25 characters, with quotes and foreign letters.
         const QString longName = QStringLiteral("O'Hara \"Ζωή\" 张伟 Ey-Arz-xy");
         const QString longPassword = QStringLiteral("p\"'w😀") + QString(19, QLatin1Char('z'));
-        QCOMPARE(longName.size(), 25);
-        QCOMPARE(longPassword.size(), 25); // the emoji counts as two
         fill(longName + QLatin1Char('!'), longPassword);
         QCOMPARE(screen.text("txtUserName"), longName);
         QCOMPARE(screen.pressed(2), QStringList{Saved});

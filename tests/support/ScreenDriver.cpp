@@ -55,6 +55,13 @@ QString text(const Form& form, const QString& box) {
     return ctl<QLineEdit>(form, box)->text();
 }
 
+void typeEach(const Form& form, const QString& boxes, const QString& texts) {
+    const QStringList parts = texts.split(QLatin1Char('|'));
+    const QStringList names = boxes.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (int i = 0; i < names.size(); ++i)
+        type(form, names.at(i), parts.value(i));
+}
+
 void pick(const Form& form, const QString& combo, const QString& item) {
     auto* box = ctl<platform::ComboBox>(form, combo);
     const int index = box->findText(item);

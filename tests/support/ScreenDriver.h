@@ -34,6 +34,9 @@ void type(const Form& form, const QString& box, const QString& text);
 // Puts `text` into a text box as pasted: for characters that the test keyboard has no key for.
 void paste(const Form& form, const QString& box, const QString& text);
 QString text(const Form& form, const QString& box);
+// Types the texts of `texts` (separated by "|") into the boxes of `boxes` (separated by blanks),
+// the first into the first; a box without a text is emptied.
+void typeEach(const Form& form, const QString& boxes, const QString& texts);
 // Chooses an item of a drop-down list by its text, as a user's choice (it raises Click).
 void pick(const Form& form, const QString& combo, const QString& item);
 QStringList items(const Form& form, const QString& combo);
@@ -74,6 +77,9 @@ template <class F> class Screen {
     void type(const QString& box, const QString& text) const { testsupport::type(form(), box, text); }
     void paste(const QString& box, const QString& text) const { testsupport::paste(form(), box, text); }
     QString text(const QString& box) const { return testsupport::text(form(), box); }
+    void typeEach(const QString& boxes, const QString& texts) const {
+        testsupport::typeEach(form(), boxes, texts);
+    }
     void pick(const QString& combo, const QString& item) const { testsupport::pick(form(), combo, item); }
     QStringList items(const QString& combo) const { return testsupport::items(form(), combo); }
     QString choice(const QString& combo) const { return testsupport::choice(form(), combo); }
@@ -83,7 +89,6 @@ template <class F> class Screen {
     }
     QStringList rows(const QString& list) const { return listRows(form(), list); }
     bool isShown(const QString& name) const { return testsupport::isShown(form(), name); }
-    QStringList tabOrder() const { return testsupport::tabOrder(window()); }
 };
 
 } // namespace testsupport

@@ -63,10 +63,6 @@ void execAsWritten(const QStringList& statements) {
     });
 }
 
-QString literal(QString text) {
-    return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
-}
-
 // Stops ("pause") or starts again ("resume") the tests' server (support/pgserver.sh), whose
 // odbc.ini the tests use.
 void serverControl(const char* command) {
@@ -127,43 +123,31 @@ void TestEnvironment::createDatabase(const QString& user, const QString& passwor
         db::createDatabase(databasePath(), user, password);
         return;
     }
-    if (m_serverStopped) {
-        serverControl("resume");
-        m_serverStopped = false;
-    }
+    bringDatabaseBack();
     emptyServerDatabase();
     db::createServerDatabase(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword, user,
                              password);
 }
 
 void TestEnvironment::removeDatabase() {
-    if (!onServer()) {
-        QFile::remove(databasePath());
-        return;
-    }
     // The server's counterpart of a missing file: the server stops, until createDatabase.
-    if (!m_serverStopped)
-        serverControl("pause");
-    m_serverStopped = true;
+    if (onServer())
+        takeDatabaseAway();
+    else
+        QFile::remove(databasePath());
 }
 
 void TestEnvironment::takeDatabaseAway() {
-    if (!onServer()) {
-        if (!QFile::rename(databasePath(), databasePath() + QStringLiteral(".away")))
-            qFatal("cannot move the database file away");
-        return;
-    }
-    if (!m_serverStopped)
+    if (!onServer() && !QFile::rename(databasePath(), databasePath() + QStringLiteral(".away")))
+        qFatal("cannot move the database file away");
+    if (onServer() && !m_serverStopped)
         serverControl("pause");
-    m_serverStopped = true;
+    m_serverStopped = onServer();
 }
 
 void TestEnvironment::bringDatabaseBack() {
-    if (!onServer()) {
-        if (!QFile::rename(databasePath() + QStringLiteral(".away"), databasePath()))
-            qFatal("cannot move the database file back");
-        return;
-    }
+    if (!onServer() && !QFile::rename(databasePath() + QStringLiteral(".away"), databasePath()))
+        qFatal("cannot move the database file back");
     if (m_serverStopped)
         serverControl("resume");
     m_serverStopped = false;
@@ -223,37 +207,6 @@ void TestEnvironment::allow(const QString& table) const {
              : QStringLiteral("DROP TRIGGER IF EXISTS %1").arg(trigger)});
 }
 
-OtherSeat::OtherSeat(Write write, std::chrono::milliseconds holdFor) {
-    m_thread = std::thread([this, write = std::move(write), holdFor] {
-        try {
-            auto seat = std::make_shared<db::Connection>();
-            seat->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
-            seat->BeginTrans();
-            write(seat);
-            m_holding = true;
-            std::this_thread::sleep_for(holdFor);
-            seat->CommitTrans();
-        } catch (const platform::Error& e) {
-            qWarning("other seat: %s", qPrintable(e.description()));
-            m_failed = true;
-            m_holding = true;
-        }
-    });
-    while (!m_holding)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-}
-
-OtherSeat::~OtherSeat() {
-    if (m_thread.joinable())
-        m_thread.join();
-}
-
-bool OtherSeat::finish() {
-    if (m_thread.joinable())
-        m_thread.join();
-    return !m_failed;
-}
-
 namespace {
 QList<Form*>& screens() {
     static QList<Form*> all;
@@ -291,18 +244,13 @@ void endCase(std::unique_ptr<TestEnvironment>& env) {
     env.reset();
 }
 
-std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form) {
-    addScreen(form);
-    return startCase();
-}
-
-void endRecordCase(RecordForm&, std::unique_ptr<TestEnvironment>& env) {
-    endCase(env);
-}
-
 void setSession(qint16 userID, const QString& rights) {
     Session::CurrentUserID = userID;
     Session::UserRights = rights;
+}
+
+QString literal(QString text) {
+    return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
 }
 
 int errorOf(const std::function<void()>& f, QString* description) {

@@ -5,18 +5,10 @@
 #include <QString>
 #include <QTemporaryDir>
 #include <QVariant>
-#include <atomic>
-#include <chrono>
 #include <functional>
 #include <memory>
-#include <thread>
-
-namespace db {
-class Connection;
-}
 
 class Form;
-class RecordForm;
 
 namespace testsupport {
 
@@ -60,23 +52,6 @@ class TestEnvironment {
     bool m_serverStopped = false; // removeDatabase or takeDatabaseAway stopped the server
 };
 
-// Another workstation on the same data store: in a thread of its own, on a connection of its own
-// through the data layer, it begins a transaction (which takes the writers' lock), runs `write`,
-// keeps the lock for `holdFor` and commits. The constructor returns once `write` has run, with
-// the lock still held; finish() waits for the commit and is false when the other seat failed.
-class OtherSeat {
-  public:
-    using Write = std::function<void(const std::shared_ptr<db::Connection>&)>;
-    explicit OtherSeat(Write write, std::chrono::milliseconds holdFor = std::chrono::milliseconds(400));
-    ~OtherSeat();
-    bool finish();
-
-  private:
-    std::thread m_thread;
-    std::atomic<bool> m_holding = false;
-    std::atomic<bool> m_failed = false;
-};
-
 // True when the tests run against the server (the data source "Vorlane" is known), not the
 // embedded file.
 bool onServer();
@@ -89,15 +64,15 @@ bool onServer();
 std::unique_ptr<TestEnvironment> startCase(bool withDatabase = true);
 void endCase(std::unique_ptr<TestEnvironment>& env);
 void addScreen(Form& form);
-// The same for one record screen.
-std::unique_ptr<TestEnvironment> startRecordCase(RecordForm& form);
-void endRecordCase(RecordForm& form, std::unique_ptr<TestEnvironment>& env);
 
 // The server's database without any table or extension (its public schema made anew).
 void emptyServerDatabase();
 
 // Logs in as a user of the given level without the login screen.
 void setSession(qint16 userID, const QString& rights);
+
+// `text` as a quoted literal of a statement, its quotes doubled.
+QString literal(QString text);
 
 // The number of the error that `f` raises, 0 when it raises none; its text into `description`.
 int errorOf(const std::function<void()>& f, QString* description = nullptr);
