@@ -18,6 +18,7 @@
 #include "reports/Reports.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
+#include "support/ReportSamples.h"
 
 #include <QApplication>
 #include <QDir>
@@ -29,6 +30,8 @@
 #include <cstdio>
 
 namespace {
+
+using namespace testsupport::samples;
 
 reports::MemoryData files() {
     reports::MemoryData d;
@@ -93,24 +96,6 @@ reports::MemoryData contacts() {
     return d;
 }
 
-// Rows as the search screen copies them: one column off, the key first.
-reports::MemoryData searchRows() {
-    reports::MemoryData d;
-    for (int i = 1; i <= 40; ++i)
-        d.addRow(
-            {{"Title1", QString::number(1000 + i)},
-             {"Title2", i == 3 ? "Agreement for the lease of the ground floor office with parking, signed by "
-                                 "both parties and witnessed"
-                               : QStringLiteral("Invoice %1 from Northwind Supplies").arg(4400 + i)},
-             {"DocDate", QStringLiteral("Order %1").arg(700 + i)},
-             {"FollowupDate", QStringLiteral("%1/Mar/2024").arg(i % 28 + 1, 2, 10, QLatin1Char('0'))},
-             {"Bookmark", QStringLiteral("%1/Apr/2024").arg(i % 28 + 1, 2, 10, QLatin1Char('0'))},
-             {"Remarks", i % 5 == 0 ? "Second drawer, red folder behind the tax papers" : "Tab 3"},
-             {"FileNumber", i % 4 == 0 ? "Paid in full" : ""},
-             {"FilePath", QStringLiteral("F-%1").arg(i % 9 + 1, 3, 10, QLatin1Char('0'))}});
-    return d;
-}
-
 reports::MemoryData personal() {
     reports::MemoryData d;
     d.addRow({{"ID", "1"},
@@ -123,79 +108,6 @@ reports::MemoryData personal() {
               {"Fax", "+47 69 00 00 01"},
               {"Email", "office@halvorsen-associates.example.no"}});
     return d;
-}
-
-// Data as long as an office really types it: a firm name of 50 letters, a mail address and
-// address lines of 40, a link of 120 without a blank.
-const QString kFirm = QStringLiteral("Okonkwo-Lindqvist Halvorsen & Partners Consultants");
-const QString kMail = QStringLiteral("margareta.okonkwo-lindqvist@halvorsen.no");
-const QStringList kAddress = {QStringLiteral("Unit 7, 2nd Floor, Harbour Business Park"),
-                              QStringLiteral("Harbourside Commercial Park, Block C-14A"),
-                              QStringLiteral("Port Ellis 4410, Greater Kingsbridge, UK")};
-const QString kPhone = QStringLiteral("+44 (0)20 7946 0018");
-const QString kLink = QStringLiteral("https://docs.example.com/document/d/"
-                                     "1AbCdEfGhIjKlMnOpQrStUvWxYz0123456789aBcDeFgHiJkLmNoPqRsTuVwXyZ9876/"
-                                     "edit?usp=sharing");
-
-reports::MemoryData personalInFull() {
-    reports::MemoryData d;
-    d.addRow({{"ID", "1"},
-              {"FullName", kFirm},
-              {"Add1", kAddress[0]},
-              {"Add2", kAddress[1]},
-              {"Add3", kAddress[2]},
-              {"Phone", kPhone},
-              {"Cell", "+44 (0)7700 900 123"},
-              {"Fax", "+44 (0)20 7946 0019"},
-              {"Email", kMail}});
-    return d;
-}
-
-reports::MemoryData contactsInFull() {
-    reports::MemoryData d = contacts();
-    d.addRow({{"FullName", "Margareta Okonkwo-Lindqvist"},
-              {"Add1", kAddress[0]},
-              {"Add2", kAddress[1]},
-              {"Add3", kAddress[2]},
-              {"Phone", kPhone},
-              {"Cell", "+44 (0)7700 900 123"},
-              {"Fax", "+44 (0)20 7946 0019"},
-              {"Email", kMail},
-              {"Remarks", "Partner; signs the annual accounts"}});
-    return d;
-}
-
-reports::MemoryData referencesInFull() {
-    reports::MemoryData d;
-    d.addRow({{"RefName", "Budget of the building project"},
-              {"Particulars", "The shared sheet"},
-              {"OnlineLink", kLink}});
-    d.addRow({{"RefName", "Tax office"},
-              {"Particulars", "Online returns and payment of advance tax"},
-              {"OnlineLink", "https://tax.example.gov/e-filing"}});
-    return d;
-}
-
-// The query line of a search on all eleven criteria, each text 40 letters long.
-QString queryOfAllCriteria() {
-    const QStringList v = {
-        "Accounts payable and receivable register", "Correspondence with suppliers and agents",
-        "Purchase invoices for the office chairs.", "Quarterly statements of the pension fund",
-        "Signed agreement for the warehouse lease", "Second drawer, red folder behind the tax",
-        "Original kept by the auditor until March", "Renewal of the fire insurance for the sh",
-        "ARCHIVE/2019/LONG-NUMBER-25/BOX-14/SHELF"};
-    return QStringList{"Doc. Type : " + v[0],
-                       "Doc. Category : " + v[1],
-                       "Doc. Sub-Category : " + v[2],
-                       "Doc. Child Category : " + v[3],
-                       "Doc. Title 1 : " + v[4],
-                       "Doc. Title 2 : " + v[5],
-                       "Bookmark : " + v[6],
-                       "Remarks : " + v[7],
-                       "Document date between : 01-Jan-2024 and 31-Mar-2024",
-                       "Follow-up date between : 01-Jan-2024 and 31-Mar-2024",
-                       "File Number : " + v[8]}
-        .join(' ');
 }
 
 bool save(QWidget* widget, const QDir& folder, const QString& name) {
