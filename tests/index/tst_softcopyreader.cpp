@@ -151,6 +151,16 @@ void tst_SoftCopyReader::read_data() {
     row("no helper", "note.txt", State::Unreadable, "could not be started", {}, "none");
 }
 
+namespace {
+
+// Only the reading that hangs meets the time limit: on a loaded machine, OCR or the start of the
+// helper alone may take seconds.
+int timeLimitFor(const QString& file) {
+    return file == QLatin1String("hang.txt") ? 2 : 120;
+}
+
+} // namespace
+
 void tst_SoftCopyReader::read() {
     QFETCH(QString, file);
     QFETCH(QStringList, options);
@@ -160,7 +170,7 @@ void tst_SoftCopyReader::read() {
     SoftCopyReader reader;
     reader.setHelper(helper.isEmpty() ? QStringLiteral(VORLANE_READER) : path(helper));
     reader.setHelperOptions(options);
-    reader.setTimeLimit(2);
+    reader.setTimeLimit(timeLimitFor(file));
     const SoftCopyText result = reader.read(path(file));
     QCOMPARE(result.reason.isEmpty(), state == State::Read);
     QVERIFY2((state == State::Read ? result.text : result.reason).contains(expected, Qt::CaseInsensitive),
@@ -181,11 +191,11 @@ void tst_SoftCopyReader::startWithoutWaiting() {
     QFETCH(State, state);
     SoftCopyReader reader;
     reader.setHelper(QStringLiteral(VORLANE_READER));
-    reader.setTimeLimit(1);
+    reader.setTimeLimit(timeLimitFor(file));
     QSignalSpy finished(&reader, &SoftCopyReader::finished);
     reader.start(path(file));
     QVERIFY(reader.isReading());
-    QVERIFY(finished.wait(30'000));
+    QVERIFY(finished.wait(130'000));
     QCOMPARE(finished.constFirst().constFirst().value<SoftCopyText>().state, state);
     QVERIFY(!reader.isReading());
 }
