@@ -83,6 +83,7 @@ std::unique_ptr<Engine> openChosen(const QString& dataSource, std::optional<Odbc
         return SqliteEngine::openEmbedded(timeoutSeconds);
     case EngineKind::Postgres: {
         auto engine = std::make_unique<PostgresEngine>(std::move(odbc.value().store));
+        engine->openLaterTables();
         engine->keepWhenDone(odbc->key);
         return engine;
     }

@@ -109,6 +109,25 @@ QVector<Table> buildSchema() {
           {QStringLiteral("FileNumber"), T},
           {QStringLiteral("FilePath"), T}},
          false},
+        // The text read from the soft copy of each document that has been looked at, with the file
+        // as it was then (its size in bytes and its modification time in UTC, as texts compared
+        // only for equality) and the state of the reading: "read", "waiting", "unreadable",
+        // "missing" or "notext" (a kind of file whose text is not read), with its reason. A seat
+        // reading it holds the row through ClaimedBy and ClaimedAt (UTC, ISO 8601). A document
+        // without a row waits to be read. The row follows its document on both engines: it goes
+        // with it, and waits again when the document's path changes.
+        {QStringLiteral("SoftCopy"),
+         {{QStringLiteral("IndexID"), N},
+          {QStringLiteral("ReadPath"), T},
+          {QStringLiteral("FileSize"), T},
+          {QStringLiteral("FileTime"), T},
+          {QStringLiteral("ReadState"), T},
+          {QStringLiteral("Reason"), T},
+          {QStringLiteral("SoftText"), T, TextSearch},
+          {QStringLiteral("ClaimedBy"), T},
+          {QStringLiteral("ClaimedAt"), T}},
+         true,
+         true},
     };
 }
 

@@ -35,6 +35,8 @@ struct Table {
     QVector<Column> columns; // in the order of the positional Insert
     // The first column is the table's key. A table that the text search covers has one.
     bool keyed = true;
+    // Added after the first version: a database made before it gets it at its first open.
+    bool addedLater = false;
 
     // The key's name; empty for a table without one.
     QString key() const { return keyed ? columns.first().name : QString(); }
@@ -42,7 +44,7 @@ struct Table {
     QStringList textSearchColumns() const;
 };
 
-// The twelve tables of the data store, columns in their binding order.
+// The thirteen tables of the data store, columns in their binding order.
 const QVector<Table>& schema();
 // The table of that name regardless of case, or nullptr.
 const Table* findTable(const QString& name);

@@ -39,6 +39,7 @@ class ServerTest : public QObject {
 
     void setUpCreatesTheTablesOnce();
     void screensStatementsRunAsOnTheFile();
+    void softCopiesFollowTheirDocumentsAndCome();
     void loginsAndUnreachableServer();
 };
 
@@ -106,6 +107,27 @@ void ServerTest::screensStatementsRunAsOnTheFile() {
              QVariantList{qint64(1)});
     c->Execute(QStringLiteral("Delete from Vorlane where DocDate < #01/Jan/2000#"));
     QCOMPARE(column(c, QStringLiteral("Select count(IndexID) from Vorlane")), QVariantList{qint64(1)});
+}
+
+void ServerTest::softCopiesFollowTheirDocumentsAndCome() {
+    // A database made before the soft copies gets them when a seat of this version connects.
+    db::openOdbcSource(QStringLiteral("Vorlane"), User, Password)
+        ->execute(QStringLiteral("DROP TABLE \"SoftCopy\"; DROP FUNCTION \"SoftCopyFollows\"() CASCADE"));
+    auto c = open();
+    c->Execute(QStringLiteral("Insert into Vorlane (IndexID, FilePath) values (7, 'a.pdf'), (8, 'b.pdf')"));
+    c->Execute(QStringLiteral("Insert into SoftCopy (IndexID, ReadState, SoftText) values (7, 'read', "
+                              "'Lease tax'), (8, 'read', 'Water lease')"));
+    const QString found =
+        QStringLiteral("Select S.IndexID from SoftCopy S where S.SoftText like '%LEASE TAX%'");
+    QCOMPARE(column(c, found), QVariantList{qint64(7)});
+    c->Execute(QStringLiteral("Update Vorlane set FilePath='a.pdf', Title1='x' where IndexID=7"));
+    c->Execute(QStringLiteral("Update Vorlane set FilePath='B.pdf' where IndexID=8"));
+    QCOMPARE(
+        column(c, QStringLiteral("Select IndexID from SoftCopy where ReadState='waiting' and SoftText is "
+                                 "null")),
+        QVariantList{qint64(8)});
+    c->Execute(QStringLiteral("Delete from Vorlane where IndexID=7"));
+    QCOMPARE(column(c, QStringLiteral("Select IndexID from SoftCopy")), QVariantList{qint64(8)});
 }
 
 void ServerTest::loginsAndUnreachableServer() {

@@ -22,6 +22,11 @@ class PostgresEngine : public QtSqlEngine {
     void createSchema(const QString& dataSource, const QString& scrambledUserName,
                       const QString& scrambledPassword) override;
 
+    // Gives a database made before the later tables (Table::addedLater) those tables, their
+    // indexes and triggers, when the login may create them; otherwise it stays as it is. Costs
+    // one look-up in the catalogue when nothing is missing.
+    void openLaterTables();
+
   private:
     int m_timeout = -1; // the wait in force on the server, in seconds; -1 before the first
 };

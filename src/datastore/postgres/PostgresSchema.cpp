@@ -27,31 +27,98 @@ QString columnDefinition(const Column& c, bool key) {
     return def;
 }
 
-// The extensions, the tables of the schema, the ordinary indexes of their marked columns and
-// the trigram index of each column marked for text search, on the column as plain text
-// (PostgresDialect).
+QString createTable(const Table& t) {
+    QStringList cols;
+    for (int i = 0; i < t.columns.size(); ++i)
+        cols << columnDefinition(t.columns[i], i == 0 && t.keyed);
+    return QStringLiteral("CREATE TABLE \"%1\" (%2)").arg(t.name, cols.join(QStringLiteral(", ")));
+}
+
+// The ordinary indexes of the marked columns of `t` and the trigram index of each column marked
+// for text search, on the column as plain text (PostgresDialect).
+QStringList indexStatements(const Table& t) {
+    QStringList out;
+    for (const Column& c : t.columns)
+        if (c.indexed())
+            out << QStringLiteral("CREATE INDEX \"ix%1%2\" ON \"%1\" (\"%2\")").arg(t.name, c.name);
+    for (const QString& column : t.textSearchColumns())
+        out << QStringLiteral("CREATE INDEX \"ix%1%2Trigrams\" ON \"%1\" USING gin ((\"%2\"::text) "
+                              "gin_trgm_ops)")
+                   .arg(t.name, column);
+    return out;
+}
+
+// Deleting a document deletes its soft copy's row, and changing its path (as written: another
+// letter case may name another file) makes that row wait to be read again, whoever writes.
+QStringList followStatements() {
+    return {
+        QStringLiteral("CREATE FUNCTION \"SoftCopyFollows\"() RETURNS trigger LANGUAGE plpgsql AS $$ "
+                       "BEGIN IF TG_OP = 'DELETE' THEN DELETE FROM \"SoftCopy\" WHERE \"IndexID\" = "
+                       "OLD.\"IndexID\"; RETURN OLD; END IF; UPDATE \"SoftCopy\" SET \"ReadState\" = "
+                       "'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE \"IndexID\" = "
+                       "NEW.\"IndexID\"; RETURN NEW; END $$"),
+        QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsDelete\" AFTER DELETE ON \"Vorlane\" FOR EACH ROW "
+                       "EXECUTE FUNCTION \"SoftCopyFollows\"()"),
+        QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsPath\" AFTER UPDATE OF \"FilePath\" ON "
+                       "\"Vorlane\" FOR EACH ROW WHEN (OLD.\"FilePath\"::text IS DISTINCT FROM "
+                       "NEW.\"FilePath\"::text) EXECUTE FUNCTION \"SoftCopyFollows\"()")};
+}
+
+// The extensions, the tables of the schema, their indexes and the triggers.
 QStringList creationStatements() {
     QStringList out{QStringLiteral("CREATE EXTENSION IF NOT EXISTS citext"),
                     QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm")};
-    for (const Table& t : schema()) {
-        QStringList cols;
-        for (int i = 0; i < t.columns.size(); ++i)
-            cols << columnDefinition(t.columns[i], i == 0 && t.keyed);
-        out << QStringLiteral("CREATE TABLE \"%1\" (%2)").arg(t.name, cols.join(QStringLiteral(", ")));
-    }
     for (const Table& t : schema())
-        for (const Column& c : t.columns)
-            if (c.indexed())
-                out << QStringLiteral("CREATE INDEX \"ix%1%2\" ON \"%1\" (\"%2\")").arg(t.name, c.name);
+        out << createTable(t);
     for (const Table& t : schema())
-        for (const QString& column : t.textSearchColumns())
-            out << QStringLiteral("CREATE INDEX \"ix%1%2Trigrams\" ON \"%1\" USING gin ((\"%2\"::text) "
-                                  "gin_trgm_ops)")
-                       .arg(t.name, column);
+        out << indexStatements(t);
+    return out << followStatements();
+}
+
+// The statements that give a database made before them the later tables, or none (also for a
+// database without the documents' table, which the set-up tool has yet to fill). A look-up in
+// the catalogue only: it comes with every connection.
+QStringList laterStatements(PostgresEngine& engine) {
+    QVector<const Table*> later;
+    QStringList probes{QStringLiteral("(to_regclass('\"Vorlane\"') IS NOT NULL)::int")};
+    for (const Table& t : schema())
+        if (t.addedLater) {
+            later << &t;
+            probes << QStringLiteral("(to_regclass('\"%1\"') IS NOT NULL)::int").arg(t.name);
+        }
+    const Rows found = engine.select(QStringLiteral("SELECT ") + probes.join(QStringLiteral(", ")));
+    const QVariantList present = found.values.value(0);
+    QStringList out;
+    if (present.isEmpty() || present[0].toInt() == 0)
+        return out;
+    for (int i = 0; i < later.size(); ++i)
+        if (present.value(i + 1).toInt() == 0)
+            out << createTable(*later[i]) << indexStatements(*later[i]);
+    if (!out.isEmpty())
+        out << followStatements();
     return out;
 }
 
 } // namespace
+
+void PostgresEngine::openLaterTables() {
+    try {
+        if (laterStatements(*this).isEmpty())
+            return;
+        // Under the writers' lock, and looked for again: another seat may have made them meanwhile.
+        beginTransaction();
+        try {
+            for (const QString& statement : laterStatements(*this))
+                execute(statement);
+            commitTransaction();
+        } catch (...) {
+            rollbackTransaction();
+            throw;
+        }
+    } catch (const platform::Error&) {
+        // A login that may not create tables goes on without them.
+    }
+}
 
 void PostgresEngine::createSchema(const QString& dataSource, const QString& scrambledUserName,
                                   const QString& scrambledPassword) {

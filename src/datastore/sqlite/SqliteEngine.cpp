@@ -1,6 +1,7 @@
 #include "SqliteEngine.h"
 
 #include "DateTexts.h"
+#include "LaterTables.h"
 #include "SqliteDialect.h"
 #include "SqliteFolding.h"
 #include "TextIndex.h"
@@ -175,6 +176,8 @@ std::unique_ptr<SqliteEngine> SqliteEngine::openEmbedded(int timeoutSeconds) {
                               QStringLiteral("Cannot open the database file '%1': %2").arg(path, failure));
     // Without the index (a seat that may not write the file, or one that found the file locked too
     // long) every like reads all documents, as before the index existed.
+    // A database made before the later tables gets them first, so that their indexes follow.
+    openLaterTables(engine->m_handle);
     engine->m_dialect->setTextIndex(openTextIndex(engine->m_handle) != TextIndexState::Unavailable);
     // Dates that an earlier version kept as texts become dates, once; a seat that cannot write
     // the file reads them as texts, as before.

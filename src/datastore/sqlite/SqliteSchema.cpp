@@ -1,4 +1,5 @@
 #include "DateTexts.h"
+#include "LaterTables.h"
 #include "TextIndex.h"
 #include "datastore/Errors.h"
 #include "datastore/Schema.h"
@@ -39,21 +40,24 @@ QString columnDefinition(const Column& c, bool key) {
 // they compare regardless of case) and the contains-search indexes of the file.
 QStringList creationStatements() {
     QStringList out;
-    for (const Table& t : schema()) {
-        QStringList cols;
-        for (int i = 0; i < t.columns.size(); ++i)
-            cols << columnDefinition(t.columns[i], i == 0 && t.keyed);
-        out << QStringLiteral("CREATE TABLE \"%1\" (%2)").arg(t.name, cols.join(QStringLiteral(", ")));
-    }
+    for (const Table& t : schema())
+        out << createTableStatement(t);
     for (const Table& t : schema())
         for (const Column& c : t.columns)
             if (c.indexed())
                 out << QStringLiteral("CREATE INDEX \"ix%1%2\" ON \"%1\" (\"%2\")").arg(t.name, c.name);
-    out << textIndexStatements();
+    out << textIndexStatements() << followStatements();
     return out;
 }
 
 } // namespace
+
+QString createTableStatement(const Table& t) {
+    QStringList cols;
+    for (int i = 0; i < t.columns.size(); ++i)
+        cols << columnDefinition(t.columns[i], i == 0 && t.keyed);
+    return QStringLiteral("CREATE TABLE \"%1\" (%2)").arg(t.name, cols.join(QStringLiteral(", ")));
+}
 
 void createDatabase(const QString& path, const QString& scrambledUserName, const QString& scrambledPassword) {
     constexpr int ErrFileAlreadyExists = 58;

@@ -76,20 +76,23 @@ QStringList statements(const Table& t) {
                      quoted(t.name), deletion(t), insertion(t))};
 }
 
+// The names of the four parts of the index of `t`.
+QStringList partNames(const Table& t) {
+    const QString index = textIndexName(t.name);
+    return {index, index + QStringLiteral("Insert"), index + QStringLiteral("Delete"),
+            index + QStringLiteral("Update")};
+}
+
 // The names of every index's four parts.
 QStringList partNames() {
     QStringList out;
-    for (const Table* t : indexedTables()) {
-        const QString index = textIndexName(t->name);
-        out << index << index + QStringLiteral("Insert") << index + QStringLiteral("Delete")
-            << index + QStringLiteral("Update");
-    }
+    for (const Table* t : indexedTables())
+        out << partNames(*t);
     return out;
 }
 
-// True when the database has every part of every index.
-bool allPresent(sqlite3* handle) {
-    const QStringList names = partNames();
+// True when the database has every part of the indexes whose parts are `names`.
+bool allPresent(sqlite3* handle, const QStringList& names) {
     QStringList quotedNames;
     for (const QString& n : names)
         quotedNames << QLatin1Char('\'') + n + QLatin1Char('\'');
@@ -105,6 +108,10 @@ bool allPresent(sqlite3* handle) {
     return count == names.size();
 }
 
+bool allPresent(sqlite3* handle) {
+    return allPresent(handle, partNames());
+}
+
 bool run(sqlite3* handle, const char* sql) {
     return sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
@@ -113,10 +120,13 @@ bool run(sqlite3* handle, const QString& sql) {
     return run(handle, sql.toUtf8().constData());
 }
 
-// Builds every index inside the open write transaction; a part left by an interrupted or altered
-// database goes first, so that each index is whole and matches its table.
+// Builds every index that misses a part inside the open write transaction; a part left by an
+// interrupted or altered database goes first, so that each index is whole and matches its table.
+// A whole index stays: a table added later gets its own without the documents' being rebuilt.
 bool build(sqlite3* handle) {
     for (const Table* t : indexedTables()) {
+        if (allPresent(handle, partNames(*t)))
+            continue;
         const QString index = quoted(textIndexName(t->name));
         const QString trigger = textIndexName(t->name);
         const QStringList create = statements(*t);
