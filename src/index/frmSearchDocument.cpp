@@ -118,6 +118,10 @@ void frmSearchDocument::buildCriteria(QWidget* w, QGridLayout* grid, QList<QWidg
         row(*label, caption, made, r++, 1);
         order << made;
     }
+    // The text of the soft copy, beside the file number, after the four texts typed by hand.
+    auto* softCopyText = ui.txtSoftCopyText.make(w);
+    row(ui.lblSoftCopyText, "Soft Copy Text :", softCopyText, r, 1);
+    order << softCopyText;
     r = 5;
     for (auto [fromLabel, fromCaption, from, toLabel, to] :
          {std::tuple{&ui.lblDocDate, "Doc. Date between :", &ui.dtpDocFrom, &ui.lblDocDateTo, &ui.dtpDocTo},
@@ -301,6 +305,7 @@ QString frmSearchDocument::BuildSearchStatement() {
         statement += QStringLiteral("I.FileID=") + key(ui.cboFileNo) + QStringLiteral(" and ");
         QueryDescription += QStringLiteral(" File Number : ") + TrimStr(ui.cboFileNo->Text());
     }
+    addSoftCopyCriterion(statement);
     if (statement.endsWith(QLatin1String("and ")))
         statement.chop(4);
     return statement + QStringLiteral(" order by I.DocDate");
@@ -309,7 +314,8 @@ QString frmSearchDocument::BuildSearchStatement() {
 bool frmSearchDocument::anyCriterion() const {
     const QList<platform::ComboBox*> combos = {ui.cboDocType, ui.cboDocCategory, ui.cboDocSubCategory,
                                                ui.cboDocChildCategory, ui.cboFileNo};
-    const QList<QLineEdit*> texts = {ui.txtTitle1, ui.txtTitle2, ui.txtBookmark, ui.txtRemarks};
+    const QList<QLineEdit*> texts = {ui.txtTitle1, ui.txtTitle2, ui.txtBookmark, ui.txtRemarks,
+                                     ui.txtSoftCopyText};
     const QList<platform::DatePicker*> pickers = {ui.dtpDocFrom, ui.dtpDocTo, ui.dtpFollowUpFrom,
                                                   ui.dtpFollowUpTo};
     return std::any_of(texts.begin(), texts.end(), [](auto* t) { return !t->text().isEmpty(); }) ||
@@ -355,6 +361,21 @@ void frmSearchDocument::addTextCriteria(QString& statement) {
                      QStringLiteral("%' and ");
         QueryDescription += QLatin1Char(' ') + name + QLatin1Char(' ') + text;
     }
+}
+
+// A contains-search over the texts read from the soft copies, as over the titles. It asks for the
+// documents among those whose soft copy holds the text, so that the text's index finds them; a
+// document whose soft copy has not been read yet is not among them. The texts were read from the
+// files, not typed through a save: a quote stands in them as a quote, and is so searched for.
+void frmSearchDocument::addSoftCopyCriterion(QString& statement) {
+    const QString text = TrimStr(ui.txtSoftCopyText->text());
+    if (text.isEmpty())
+        return;
+    QString pattern = text;
+    pattern.replace(QLatin1Char('\''), QStringLiteral("''"));
+    statement += QStringLiteral("I.IndexID in (select S.IndexID from SoftCopy S where S.SoftText like '%") +
+                 pattern + QStringLiteral("%') and ");
+    QueryDescription += QStringLiteral(" Soft Copy Text : ") + text;
 }
 
 // The two date ranges. The statement writes two-digit years, the sentence four. The follow-up

@@ -50,6 +50,7 @@ class frmSearchDocument : public CommandForm {
     bool anyCriterion() const;
     void addClassificationCriteria(QString& statement);
     void addTextCriteria(QString& statement);
+    void addSoftCopyCriterion(QString& statement);
     void addDateCriteria(QString& statement);
 
     // The controls, each under its object name.
@@ -72,6 +73,8 @@ class frmSearchDocument : public CommandForm {
         UI_CONTROL(QLineEdit, txtBookmark);
         UI_CONTROL(QLabel, lblRemarks);
         UI_CONTROL(QLineEdit, txtRemarks);
+        UI_CONTROL(QLabel, lblSoftCopyText);
+        UI_CONTROL(QLineEdit, txtSoftCopyText);
         UI_CONTROL(QLabel, lblDocDate);
         UI_CONTROL(platform::DatePicker, dtpDocFrom);
         UI_CONTROL(QLabel, lblDocDateTo);

@@ -69,14 +69,16 @@ QList<Expected> table() {
         "cmd=Reset/Close/Print Search List; cmdSearch=Search; lblDocType=Doc. Type :; lblDocCategory=Doc. "
         "Category :; lblDocSubCat=Doc. Sub-Category :; lblDocChildCat=Doc. Child Category :; Label1=File "
         "No. :; lblTitle1=Doc. Title 1 :; lblTitle2=Doc. Title 2 :; lblBookmark=Bookmark :; "
-        "lblRemarks=Remarks :; lblDocDate=Doc. Date between :; lblDocDateTo=and :; "
+        "lblRemarks=Remarks :; lblSoftCopyText=Soft Copy Text :; lblDocDate=Doc. Date between :; "
+        "lblDocDateTo=and :; "
         "lblFollowupdate=Follow-up Date between :; lblFollowupDateTo=and :; lblNoOfRecords=(0 Record/s "
         "found); dtpDocFrom=dd/MMM/yyyy null; dtpDocTo=dd/MMM/yyyy null; dtpFollowUpFrom=dd/MMM/yyyy "
         "null; dtpFollowUpTo=dd/MMM/yyyy null; lstList=[IndexID]/Title 1/Title 2/Doc. Date/Followup "
         "Date/Bookmark/Remark/File No./[File Path]; lstList.tip=Double click a record to quickly view its "
         "contents",
         "cboDocType cboDocCategory cboDocSubCategory cboDocChildCategory cboFileNo txtTitle1 txtTitle2 "
-        "txtBookmark txtRemarks dtpDocFrom dtpDocTo dtpFollowUpFrom dtpFollowUpTo cmdSearch lstList "
+        "txtBookmark txtRemarks txtSoftCopyText dtpDocFrom dtpDocTo dtpFollowUpFrom dtpFollowUpTo cmdSearch "
+        "lstList "
         "cmd(0) cmd(1) cmd(2)");
     add("ImgDocType", frmDocType::instance(), "Document Type", "lstType",
         "cmd=Reset/Edit/Save/Close; lblDocType=Document Type :; txtDocType=25; lstType.tip=Double click a "

@@ -271,6 +271,32 @@ class TestSearchDocument : public QObject {
         QCOMPARE(screen.rows("lstList").size(), 3);
         platform::test::setShellChecksProgram(false);
     }
+
+    // The text read from a soft copy finds its document, joined to the other criteria by "and",
+    // a quote searched as it stands in the file; the printed query line names it.
+    void findsBySoftCopyText() {
+        env->exec("insert into SoftCopy (IndexID, ReadState, SoftText) values (1, 'read', 'Dear Mr "
+                  "O''Brien, the shop'), (3, 'read', 'Renewal of the lease, clause 7')");
+        screen.type("txtTitle1", "lease");
+        screen.type("txtSoftCopyText", " o'brien ");
+        QCOMPARE(built(), qMakePair(Base +
+                                        "Where I.Title1 like '%lease%' and I.IndexID in (select S.IndexID "
+                                        "from SoftCopy S where S.SoftText like '%o''brien%') " +
+                                        Order,
+                                    QStringLiteral(" Doc. Title 1 : lease Soft Copy Text : o'brien")));
+        screen.press("cmdSearch");
+        QCOMPARE(messages(), QStringList());
+        QCOMPARE(screen.rows("lstList").size(), 1);
+        QVERIFY(screen.rows("lstList").constFirst().startsWith(QLatin1String("1|")));
+
+        screen->ResetSearchForm();
+        screen.type("txtSoftCopyText", "CLAUSE 7");
+        screen.press("cmdSearch");
+        QCOMPARE(screen.rows("lstList").size(), 1);
+        QVERIFY(screen.rows("lstList").constFirst().startsWith(QLatin1String("3|")));
+        QCOMPARE(screen.pressed(2), QStringList());
+        QCOMPARE(printed("ReportHeader", "lblQuery"), QStringLiteral("Soft Copy Text : CLAUSE 7"));
+    }
 };
 
 QTEST_MAIN(TestSearchDocument)
