@@ -55,8 +55,10 @@ SoftCopyWork::SoftCopyWork(const QString& seat, QObject* parent) : QObject(paren
 
 SoftCopyWork::~SoftCopyWork() {
     // A reading under way ends within the reader's time limit.
-    if (m_thread)
+    if (m_thread) {
         m_thread->wait();
+        delete m_thread;
+    }
 }
 
 std::optional<SoftCopyClaim> SoftCopyWork::claimNext(const QDateTime& now) {
