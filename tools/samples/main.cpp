@@ -23,6 +23,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
@@ -191,6 +192,11 @@ bool writeScreens(const QDir& folder) {
         c->Execute(QStringLiteral("insert into File values(%1,'%2','%3',1)")
                        .arg(i + 1)
                        .arg(numbers[i], particulars[i]));
+    // A scanned letter whose words only its soft copy holds, found by the search screen.
+    c->Execute("insert into Vorlane values(1,'2024-03-14','2024-04-01',1,1,10,100,'Letter',"
+               "'Harbour office','/srv/scans/letter-0314.pdf',1,'Tray 2','',1)");
+    c->Execute("insert into SoftCopy (IndexID, ReadState, SoftText) values (1, 'read', "
+               "'Dear Sir, the lease of the ground floor office ends on 30 June.')");
     c.reset();
 
     MDI::setOnEnd([] {});
@@ -212,6 +218,13 @@ bool writeScreens(const QDir& folder) {
         ok &= save(frame(w), folder, w->objectName() + QStringLiteral(".png"));
     }
     ok &= save(MDI::instance().window(), folder, QStringLiteral("MDI.png"));
+
+    MDI::instance().entryClick(QStringLiteral("ImgSearchDoc"));
+    QWidget* search = MDI::instance().area()->activeSubWindow()->widget();
+    search->findChild<QLineEdit*>(QStringLiteral("txtSoftCopyText"))->setText(QStringLiteral("ground floor"));
+    search->findChild<QPushButton*>(QStringLiteral("cmdSearch"))->click();
+    QCoreApplication::processEvents();
+    ok &= save(frame(search), folder, QStringLiteral("frmSearchDocument-softcopy.png"));
 
     MDI::instance().entryClick(QStringLiteral("ImgFile"));
     frmFile& file = frmFile::instance();
