@@ -332,8 +332,10 @@ class TestIndexDocument : public QObject {
                 // The server stops once the Insert waits on the lock, however slow the seat is.
                 for (int i = 0; blockerError.isEmpty() && i < 600; ++i) {
                     QSqlQuery waiting(db);
-                    if (waiting.exec(
-                            "SELECT count(*) FROM pg_stat_activity WHERE wait_event_type = 'Lock'") &&
+                    // The waiting save's connection ends first: a server that stops ends the
+                    // blocker's too, and the save could take the lock in between.
+                    if (waiting.exec("SELECT count(pg_terminate_backend(pid)) FROM pg_stat_activity "
+                                     "WHERE wait_event_type = 'Lock'") &&
                         waiting.next() && waiting.value(0).toInt() > 0)
                         break;
                     std::this_thread::sleep_for(std::chrono::milliseconds(50));
