@@ -1,5 +1,6 @@
 #include "index/SoftCopyReader.h"
 
+#include "index/SoftCopySettings.h"
 #include "index/reader/ReaderExit.h"
 
 #include <QCoreApplication>
@@ -41,11 +42,12 @@ QProcess* SoftCopyReader::prepare(const QString& path, QObject* parent) const {
     // OCR reads with one thread: the helper runs beside the clerk's own work.
     environment.insert(QStringLiteral("OMP_THREAD_LIMIT"), QStringLiteral("1"));
     process->setProcessEnvironment(environment);
-    process->setProgram(
-        m_helper.isEmpty()
-            ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("vorlane-reader"))
-            : m_helper);
-    process->setArguments(m_options + QStringList{QStringLiteral("--"), path});
+    process->setProgram(m_helper.isEmpty() ? SoftCopySettings::readerProgram() : m_helper);
+    // The OCR languages chosen in Settings, read at each reading so that a change holds at once;
+    // options set on the reader come after them and win.
+    process->setArguments(
+        QStringList{QStringLiteral("--languages"), SoftCopySettings::ocrLanguages().join(QLatin1Char('+'))} +
+        m_options + QStringList{QStringLiteral("--"), path});
     return process;
 }
 

@@ -34,6 +34,23 @@ QString Ocr::read(const QImage& image, int dpi) {
     return text ? QString::fromUtf8(text.get()) : QString();
 }
 
+QStringList installedLanguages() {
+    tesseract::TessBaseAPI api;
+    api.SetVariable("debug_file", "/dev/null");
+    // Tesseract finds its data folder at Init; the languages of that folder come after. English
+    // may be missing, the page-layout data rarely is.
+    if (api.Init(nullptr, "eng") != 0 && api.Init(nullptr, "osd") != 0)
+        return {};
+    std::vector<std::string> found;
+    api.GetAvailableLanguagesAsVector(&found);
+    api.End();
+    QStringList names;
+    for (const std::string& name : found)
+        if (name != "osd")
+            names << QString::fromStdString(name);
+    return names;
+}
+
 // Every picture of the file, read by OCR. The picture's size is read from its header first, so
 // that an absurd one is refused before it is unpacked into memory.
 QString readPicture(const QString& path, const Limits& limits) {

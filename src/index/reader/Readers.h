@@ -3,6 +3,7 @@
 #include "index/reader/ReaderExit.h"
 
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 #include <memory>
 
@@ -41,6 +42,9 @@ class Ocr {
     QString m_languages;
     std::unique_ptr<tesseract::TessBaseAPI> m_api;
 };
+
+// The OCR languages installed on this machine, by Tesseract's names, without its page-layout data.
+QStringList installedLanguages();
 
 QString readPdf(const QString& path, const Limits& limits);
 QString readPicture(const QString& path, const Limits& limits);

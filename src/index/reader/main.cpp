@@ -114,7 +114,9 @@ int main(int argc, char** argv) {
                                       QStringLiteral("256"));
     const QCommandLineOption textSize(QStringLiteral("text-mb"), QStringLiteral("largest text file"),
                                       QStringLiteral("MB"), QStringLiteral("32"));
-    parser.addOptions({languages, memory, cpu, pixels, unpacked, textSize});
+    const QCommandLineOption list(QStringLiteral("list-languages"),
+                                  QStringLiteral("prints the OCR languages installed, one a line"));
+    parser.addOptions({languages, memory, cpu, pixels, unpacked, textSize, list});
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("the soft copy to read"));
     const bool parsed = parser.parse(arguments);
     const auto number = [&parser](const QCommandLineOption& option) -> qint64 {
@@ -129,11 +131,20 @@ int main(int argc, char** argv) {
     limits.textBytes = number(textSize) << 20;
     const qint64 memoryMb = number(memory);
     const qint64 cpuSeconds = number(cpu);
+    if (parsed && parser.isSet(list) && parser.positionalArguments().isEmpty() && memoryMb && cpuSeconds) {
+        limitSelf(memoryMb, cpuSeconds);
+        const QStringList installed = reader::installedLanguages();
+        if (installed.isEmpty())
+            fail(reader::NoOcr, QStringLiteral("No OCR languages are installed on this machine."));
+        const QByteArray names = (installed.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+        std::fwrite(names.constData(), 1, size_t(names.size()), stdout);
+        end(reader::Read);
+    }
     if (!parsed || parser.positionalArguments().size() != 1 || limits.languages.isEmpty() ||
         !limits.maxPixels || !limits.unpackedBytes || !limits.textBytes || !memoryMb || !cpuSeconds)
         fail(reader::Usage, QStringLiteral("usage: vorlane-reader [--languages eng] [--memory-mb 1024] "
                                            "[--cpu-seconds 60] [--max-megapixels 100] [--unpacked-mb 256] "
-                                           "[--text-mb 32] FILE"));
+                                           "[--text-mb 32] FILE | --list-languages"));
     limitSelf(memoryMb, cpuSeconds);
 
     const QCoreApplication app(argc, argv);
