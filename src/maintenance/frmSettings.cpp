@@ -1,5 +1,7 @@
 #include "frmSettings.h"
 
+#include "frmSoftCopies.h"
+#include "index/SoftCopySettings.h"
 #include "platform/Controls.h"
 #include "platform/Conversions.h"
 #include "platform/Dialogs.h"
@@ -20,6 +22,7 @@ using platform::TrimStr;
 namespace {
 constexpr int PathWidth = 340;
 constexpr int NameLength = 500;
+constexpr int LanguagesHeight = 92;
 const QString DateFormat = QStringLiteral("dd/MMM/yyyy");
 
 // The viewer kinds in the order of their Browse buttons cmd(2)..cmd(5) and of the Save.
@@ -52,6 +55,13 @@ QWidget* frmSettings::build() {
         buttons[browse]->setAccessibleDescription(TrimStr((*label)->text()).chopped(2));
         screen.addBeside(buttons[browse++]);
     }
+    auto* languages =
+        screen.addField(ui.lblOcrLanguages, QStringLiteral("OCR Languages :"), ui.lstOcrLanguages);
+    languages->setFixedHeight(LanguagesHeight);
+    auto* softCopies = ui.cmdSoftCopies.make(screen.window());
+    softCopies->setText(QStringLiteral("Soft Copies..."));
+    screen.addBeside(softCopies);
+    connect(softCopies, &QPushButton::clicked, this, [this] { cmdSoftCopies_Click(); });
 
     screen.addHeading(ui.Label4, QStringLiteral("Customize Field Names"));
     screen.addTextField(ui.lblDocType, QStringLiteral("Document Type :"), ui.txtDocType, NameLength);
@@ -85,12 +95,41 @@ void frmSettings::Form_Load() {
     // The purge is the first user's alone, whatever the rights.
     const bool firstUser = Session::CurrentUserID == 1;
     for (QWidget* control : {static_cast<QWidget*>(ui.cmdDelete), static_cast<QWidget*>(ui.dtpDelete),
-                             static_cast<QWidget*>(ui.chkFiles)})
+                             static_cast<QWidget*>(ui.chkFiles), static_cast<QWidget*>(ui.cmdSoftCopies)})
         control->setEnabled(firstUser);
     for (const QString& kind : Kinds)
         pathBox(kind)->setText(Session::setting(kind).trimmed());
+    loadOcrLanguages();
     readAtLoad(Pointer::Hourglass,
                [this] { FieldCaptions::Apply(FieldCaptions::fullNameBoxes(nameBoxes())); });
+}
+
+// The languages that the reader finds installed, and any chosen one that it no longer finds, so
+// that what the readings use shows; English alone when the reader cannot tell.
+void frmSettings::loadOcrLanguages() {
+    QStringList names = SoftCopySettings::installedOcrLanguages();
+    if (names.isEmpty())
+        names << QStringLiteral("eng");
+    const QStringList chosen = SoftCopySettings::ocrLanguages();
+    for (const QString& name : chosen)
+        if (!names.contains(name))
+            names << name;
+    names.sort();
+    QListWidget* list = ui.lstOcrLanguages;
+    for (const QString& name : names) {
+        auto* item = new QListWidgetItem(name, list);
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+        item->setCheckState(chosen.contains(name) ? Qt::Checked : Qt::Unchecked);
+    }
+    list->setCurrentRow(0, QItemSelectionModel::NoUpdate);
+}
+
+QStringList frmSettings::tickedOcrLanguages() const {
+    QStringList ticked;
+    for (int i = 0; i < ui.lstOcrLanguages->count(); ++i)
+        if (const QListWidgetItem* item = ui.lstOcrLanguages->item(i); item->checkState() == Qt::Checked)
+            ticked << item->text();
+    return ticked;
 }
 
 QList<QLineEdit*> frmSettings::nameBoxes() const {
@@ -151,6 +190,7 @@ void frmSettings::SaveSettings() {
     try {
         for (const QString& kind : Kinds)
             Session::saveSetting(kind, TrimStr(pathBox(kind)->text()));
+        SoftCopySettings::saveOcrLanguages(tickedOcrLanguages());
         if (GenMod::OpenConnection()) {
             GenMod::Conn->BeginTrans();
             InTransaction = true;
@@ -172,6 +212,11 @@ void frmSettings::SaveSettings() {
     // Also after a failed connection, with the field names left as they were.
     MsgBox(QStringLiteral("Settings saved successfully."), platform::vbInformation);
     Unload();
+}
+
+// The state of the soft copies, the first user's alone as the purge is.
+void frmSettings::cmdSoftCopies_Click() {
+    frmSoftCopies::instance().Show();
 }
 
 void frmSettings::lblDeleteFiles_Click() {

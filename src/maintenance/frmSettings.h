@@ -5,11 +5,13 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 
 // The settings of the office and of this machine's user: the four viewer programs that open
-// the soft copies (kept per system user, not per login), the office's names of the six
-// classification fields (kept in the database), and the purge of old documents, which only
-// the first user may run. The screen has no edit cycle; it unloads after a save.
+// the soft copies and the OCR languages in which their text is read (kept per system user, not
+// per login), the office's names of the six classification fields (kept in the database), and
+// the purge of old documents and the state of the soft copies, which only the first user may
+// reach. The screen has no edit cycle; it unloads after a save.
 class frmSettings : public RecordForm {
     Q_OBJECT
   public:
@@ -18,6 +20,7 @@ class frmSettings : public RecordForm {
     void cmd_Click(int index) override;
     void cmdDelete_Click();
     void lblDeleteFiles_Click();
+    void cmdSoftCopies_Click();
 
     // Lets the user pick the viewer program of a kind: "Image", "Word", "Excel" or "PDF".
     void BrowseViewerPath(const QString& kind);
@@ -32,6 +35,9 @@ class frmSettings : public RecordForm {
     QLineEdit* pathBox(const QString& kind) const;
     // The boxes of the six field names, in the order of the table's columns.
     QList<QLineEdit*> nameBoxes() const;
+    // Lists the OCR languages of this machine, the chosen ones ticked.
+    void loadOcrLanguages();
+    QStringList tickedOcrLanguages() const;
 
     // The controls, each under its object name.
     struct Controls {
@@ -44,6 +50,9 @@ class frmSettings : public RecordForm {
         UI_CONTROL(QLineEdit, txtExcelPath);
         UI_CONTROL(QLabel, lblPDF);
         UI_CONTROL(QLineEdit, txtPDFPath);
+        UI_CONTROL(QLabel, lblOcrLanguages);
+        UI_CONTROL(QListWidget, lstOcrLanguages);
+        UI_CONTROL(platform::CommandButton, cmdSoftCopies);
         UI_CONTROL(QLabel, Label4);
         UI_CONTROL(QLabel, lblDocType);
         UI_CONTROL(QLineEdit, txtDocType);

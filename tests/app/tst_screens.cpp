@@ -125,12 +125,14 @@ QList<Expected> table() {
     add("ImgSettings", frmSettings::instance(), "Settings", "lblProcess",
         "cmd=Save/Close/Browse/Browse/Browse/Browse; Label1=Program paths; lblImg=Image Viewer / Editor "
         ":; lblWord=Word Viewer / Editor :; lblExcel=Excel Viewer / Editor :; lblPDF=PDF Viewer / Editor "
-        ":; Label4=Customize Field Names; lblDocType=Document Type :; lblDocCategory=Document Category :; "
+        ":; lblOcrLanguages=OCR Languages :; cmdSoftCopies=Soft Copies...; Label4=Customize Field Names; "
+        "lblDocType=Document Type :; lblDocCategory=Document Category :; "
         "lblDocSubCat=Document Sub-Category :; lblDocChildCat=Document Child Category :; "
         "lblDocTitle1=Document Title 1 :; lblDocTitle2=Document Title 2 :; Label2=Old Records; "
         "Label3=Delete old records before; lblDeleteFiles=Delete related files stored on Hard disk also; "
         "cmdDelete=Proceed; dtpDelete=dd/MMM/yyyy today; chkFiles=0",
-        "txtImagePath cmd(2) txtWordPath cmd(3) txtExcelPath cmd(4) txtPDFPath cmd(5) txtDocType "
+        "txtImagePath cmd(2) txtWordPath cmd(3) txtExcelPath cmd(4) txtPDFPath cmd(5) lstOcrLanguages "
+        "cmdSoftCopies txtDocType "
         "txtDocCat txtDocSubCat txtDocChildCat txtDocTitle1 txtDocTitle2 dtpDelete chkFiles cmdDelete "
         "cmd(0) cmd(1)");
     add("ImgLogin", frmLoginDetails::instance(), "Login details", "lstUsers",

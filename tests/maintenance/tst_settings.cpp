@@ -1,8 +1,12 @@
-// The settings screen driven by its controls: the viewer paths and the office's field names
-// with the order and the silent end of their save, and the purge of old documents with and
-// without their files, stopping at the first file it cannot delete.
+// The settings screen driven by its controls: the viewer paths, the OCR languages and the
+// office's field names with the order and the silent end of their save, and the purge of old
+// documents with and without their files, stopping at the first file it cannot delete.
+#include "index/SoftCopyReader.h"
+#include "index/SoftCopySettings.h"
 #include "maintenance/frmSettings.h"
+#include "maintenance/frmSoftCopies.h"
 #include "platform/Controls.h"
+#include "platform/Files.h"
 #include "platform/MsgBox.h"
 #include "session/Session.h"
 #include "support/ScreenDriver.h"
@@ -11,6 +15,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -33,6 +38,7 @@ class TestSettings : public QObject {
     std::unique_ptr<testsupport::TestEnvironment> env;
     std::unique_ptr<QTemporaryDir> files;
     testsupport::Screen<frmSettings> screen;
+    testsupport::Screen<frmSoftCopies> softCopies;
 
     // A document of that date whose soft copy is `file` in the test's folder of files.
     void document(int id, const char* date, const QString& file) {
@@ -66,15 +72,18 @@ class TestSettings : public QObject {
     }
     void cleanup() { testsupport::endCase(env); }
 
-    // The purge is the first user's alone, whatever the rights; its label flips the box even
-    // while the box is disabled. Browse fills the box of its kind; a cancel changes nothing.
+    // The purge and the state of the soft copies are the first user's alone, whatever the
+    // rights; the purge's label flips the box even while the box is disabled. Browse fills the
+    // box of its kind; a cancel changes nothing.
     void purgeControlsAndBrowse() {
-        for (const char* name : {"cmdDelete", "dtpDelete", "chkFiles"})
+        for (const char* name : {"cmdDelete", "dtpDelete", "chkFiles", "cmdSoftCopies"})
             QVERIFY(screen.ctl(name)->isEnabled());
+        screen.press("cmdSoftCopies");
+        QVERIFY(softCopies->isLoaded());
         screen->Unload();
         testsupport::setSession(2, QStringLiteral("Modify"));
         screen->Show();
-        for (const char* name : {"cmdDelete", "dtpDelete", "chkFiles"})
+        for (const char* name : {"cmdDelete", "dtpDelete", "chkFiles", "cmdSoftCopies"})
             QVERIFY(!screen.ctl(name)->isEnabled());
         screen->lblDeleteFiles_Click();
         QVERIFY(screen.ctl<QCheckBox>("chkFiles")->isChecked());
@@ -120,6 +129,52 @@ class TestSettings : public QObject {
             QCOMPARE(setting(key), QString());
         QCOMPARE(env->scalar("select DocType||'|'||DocTitle2 from FieldCaptions").toString(),
                  QStringLiteral("Department|Document Title 2"));
+    }
+
+    // The list comes from the reader beside the program (English alone without one), English
+    // ticked at first; Save keeps the ticked ones, and every reading passes them to the reader
+    // before its own options.
+    void ocrLanguages() {
+        const auto ticked = [this] {
+            QStringList names;
+            auto* list = screen.ctl<QListWidget>("lstOcrLanguages");
+            for (int i = 0; i < list->count(); ++i)
+                names << list->item(i)->text() + (list->item(i)->checkState() == Qt::Checked ? "+" : "");
+            return names;
+        };
+        QCOMPARE(ticked(), QStringList({"eng+"}));
+        const QString reader = platform::joinPath(env->appPath(), QStringLiteral("vorlane-reader"));
+        QVERIFY(QFile::link(QStringLiteral(VORLANE_READER), reader));
+        screen->Unload();
+        screen->Show();
+        QVERIFY(ticked().contains(QStringLiteral("eng+")));
+        QVERIFY(!ticked().contains(QStringLiteral("osd")));
+
+        QFile::remove(reader);
+        QFile script(reader);
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write(
+            "#!/bin/sh\n[ \"$1\" = --list-languages ] && printf 'deu\\neng\\nfra\\n' || echo \"$@\"\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+        screen->Unload();
+        screen->Show();
+        QCOMPARE(ticked(), QStringList({"deu", "eng+", "fra"}));
+        auto* list = screen.ctl<QListWidget>("lstOcrLanguages");
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Space); // the first row has the focus
+        QTest::keyClick(list, Qt::Key_Down);
+        QTest::keyClick(list, Qt::Key_Space);
+        screen.type("txtImagePath", "/usr/bin/eog");
+        QCOMPARE(screen.pressed(0), QStringList({"64:Settings saved successfully."}));
+        QCOMPARE(setting("OcrLanguages"), QStringLiteral("deu"));
+        screen->Show();
+        QCOMPARE(ticked(), QStringList({"deu+", "eng", "fra"}));
+
+        SoftCopyReader softCopyReader;
+        softCopyReader.setHelperOptions({QStringLiteral("--languages"), QStringLiteral("fra")});
+        QCOMPARE(softCopyReader.read(QStringLiteral("/srv/a.png")).text,
+                 QStringLiteral("--languages deu --languages fra -- /srv/a.png\n"));
     }
 
     // With no saved names the boxes show the defaults without " :"; names are stored trimmed with
