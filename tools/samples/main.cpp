@@ -111,6 +111,49 @@ reports::MemoryData personal() {
     return d;
 }
 
+// Documents of an office in each state of their soft copies' reading.
+void softCopyStates(db::Connection& c) {
+    struct Sample {
+        const char* date;
+        const char* title1;
+        const char* title2;
+        const char* path;
+        const char* state; // empty: not looked at yet
+        const char* reason;
+    };
+    const Sample samples[] = {
+        {"2024-03-11", "Invoice 2024-118", "Harbour Supplies", "/srv/scans/inv-2024-118.pdf", "read", ""},
+        {"2024-03-12", "Lease renewal", "Landlord", "/srv/scans/lease-2024.docx", "read", ""},
+        {"2024-03-15", "Board minutes", "March", "/srv/scans/minutes-0315.odt", "waiting", ""},
+        {"2024-03-16", "Insurance claim", "Van", "/srv/scans/claim-0316.jpg", "", ""},
+        {"2023-12-01", "Tax notice", "Q4", "/srv/scans/tax-q4.pdf", "unreadable",
+         "The PDF is protected by a password."},
+        {"2023-11-20", "Site photos", "Extension", "/srv/scans/site.tif", "unreadable",
+         "The picture has 240 megapixels; pictures of more than 100 megapixels are not read."},
+        {"2023-10-02", "Bank statement", "October", "/srv/scans/bank-10.pdf", "unreadable",
+         "The PDF is protected by a password."},
+        {"2022-06-30", "Staff contract", "R. Okafor", "/srv/scans/hr/contract-okafor.pdf", "missing",
+         "There is no file at this path."},
+        {"2023-01-17", "Customs declaration", "Shipment 77", "/srv/scans/customs-77.png", "missing",
+         "There is no file at this path."},
+        {"2019-05-04", "Price list", "Supplier", "/srv/scans/prices-2019.xls", "notext",
+         "No text can be read from this kind of file (.xls)."},
+    };
+    int id = 100;
+    for (const Sample& s : samples) {
+        ++id;
+        c.Execute(
+            QStringLiteral("insert into Vorlane values(%1,'%2','%2',1,1,10,100,'%3','%4','%5',1,'','',1)")
+                .arg(QString::number(id), QLatin1String(s.date), QLatin1String(s.title1),
+                     QLatin1String(s.title2), QLatin1String(s.path)));
+        c.Execute(QStringLiteral("delete from SoftCopy where IndexID=%1").arg(id));
+        if (*s.state)
+            c.Execute(
+                QStringLiteral("insert into SoftCopy (IndexID, ReadState, Reason) values (%1,'%2','%3')")
+                    .arg(QString::number(id), QLatin1String(s.state), QLatin1String(s.reason)));
+    }
+}
+
 bool save(QWidget* widget, const QDir& folder, const QString& name) {
     const bool ok = widget->grab().save(folder.filePath(name));
     std::printf("%s %s\n", ok ? "wrote" : "FAILED", qPrintable(folder.filePath(name)));
@@ -197,6 +240,7 @@ bool writeScreens(const QDir& folder) {
                "'Harbour office','/srv/scans/letter-0314.pdf',1,'Tray 2','',1)");
     c->Execute("insert into SoftCopy (IndexID, ReadState, SoftText) values (1, 'read', "
                "'Dear Sir, the lease of the ground floor office ends on 30 June.')");
+    softCopyStates(*c);
     c.reset();
 
     MDI::setOnEnd([] {});
@@ -225,6 +269,17 @@ bool writeScreens(const QDir& folder) {
     search->findChild<QPushButton*>(QStringLiteral("cmdSearch"))->click();
     QCoreApplication::processEvents();
     ok &= save(frame(search), folder, QStringLiteral("frmSearchDocument-softcopy.png"));
+
+    // The state of the soft copies, reached from Settings.
+    MDI::instance().entryClick(QStringLiteral("ImgSettings"));
+    QWidget* settings = MDI::instance().area()->activeSubWindow()->widget();
+    ok &= save(frame(settings), folder, QStringLiteral("frmSettings.png"));
+    settings->findChild<QPushButton*>(QStringLiteral("cmdSoftCopies"))->click();
+    QWidget* states = MDI::instance().area()->activeSubWindow()->widget();
+    frame(states)->resize(frame(states)->size().expandedTo(QSize(760, 600)));
+    QCoreApplication::processEvents();
+    ok &= save(frame(states), folder, QStringLiteral("softcopy-state.png"));
+    frame(states)->close();
 
     MDI::instance().entryClick(QStringLiteral("ImgFile"));
     frmFile& file = frmFile::instance();
