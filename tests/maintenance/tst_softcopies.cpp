@@ -38,8 +38,8 @@ class TestSoftCopies : public QObject {
         document(5, "2023-02-01", "unreadable", "The file is damaged.");
         document(6, "2023-02-02", "unreadable", "The file is damaged.");
         document(7, "2023-02-03", "unreadable", "The reader crashed while reading this file.");
-        document(8, "2022-03-09", "missing", "There is no file at this path.");
-        document(9, "2023-11-30", "missing", "There is no file at this path.");
+        document(8, "2023-11-30", "missing", "There is no file at this path.");
+        document(9, "2022-03-09", "missing", "There is no file at this path.");
         document(10, "2021-07-01", "notext", "No text can be read from this kind of file (.doc).");
         screen->Show();
         QCOMPARE(screen.rows("lstStates"),
@@ -48,8 +48,8 @@ class TestSoftCopies : public QObject {
                               "Kind of file whose text is not read (such as old .doc and .xls)|1"}));
         QCOMPARE(screen.rows("lstReasons"),
                  QStringList({"The file is damaged.|2", "The reader crashed while reading this file.|1"}));
-        QCOMPARE(screen.rows("lstMissing"), QStringList({"Title 9|Sub 9|30/Nov/2023|/srv/scans/9.pdf",
-                                                         "Title 8|Sub 8|09/Mar/2022|/srv/scans/8.pdf"}));
+        QCOMPARE(screen.rows("lstMissing"), QStringList({"Title 8|Sub 8|30/Nov/2023|/srv/scans/8.pdf",
+                                                         "Title 9|Sub 9|09/Mar/2022|/srv/scans/9.pdf"}));
         QVERIFY(!screen.isShown("lblMore"));
 
         // Refresh reads anew; a list cut short says how many it leaves out.
