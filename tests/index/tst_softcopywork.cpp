@@ -2,7 +2,10 @@
 // what is stored, a path that only another seat may reach, files changed since they were read,
 // and seats stopped or killed while reading.
 #include "index/SoftCopyWork.h"
+#include "index/frmSearchDocument.h"
 #include "platform/TestHooks.h"
+#include "support/ScreenDriver.h"
+#include "support/SoftCopySamples.h"
 #include "support/TestSupport.h"
 
 #include <QProcess>
@@ -44,7 +47,7 @@ class TestSoftCopyWork : public QObject {
         return f.fileName();
     }
     void document(int id, const char* date, const QString& path) {
-        env->exec(QStringLiteral("insert into Vorlane values(%1,'%2',null,1,1,1,1,'t','','%3',1,'','',1)")
+        env->exec(QStringLiteral("insert into Vorlane values(%1,'%2','%2',1,1,1,1,'t','','%3',1,'','',1)")
                       .arg(QString::number(id), QString::fromLatin1(date), path));
     }
     // A file whose reading hangs until something writes to it.
@@ -172,6 +175,39 @@ class TestSoftCopyWork : public QObject {
         work.stop();
         QTRY_VERIFY_WITH_TIMEOUT(stopped, 30000);
         QCOMPARE(row(2), QStringLiteral("waiting|||"));
+    }
+
+    // Each kind of soft copy is found by Search Document through a word that only its file holds:
+    // PDF text, a scanned PDF and a picture read by OCR, a docx and an odt.
+    void searchFindsEachKindByAWordOfIt() {
+        using namespace testsupport;
+        const auto at = [this](const char* name) { return files->filePath(QString::fromLatin1(name)); };
+        writePdf(at("text.pdf"), QStringLiteral("Marmalade shipment"), false);
+        writePdf(at("scanned.pdf"), QStringLiteral("LIGHTHOUSE"), true);
+        QVERIFY(wordsPicture(QStringLiteral("PELICAN"), 60).save(at("words.png")));
+        writeZip(at("letter.docx"), QStringLiteral("word/document.xml"), docxBody("Quarterly report"));
+        writeZip(at("minutes.odt"), QStringLiteral("content.xml"), odtContent("Parliament minutes"));
+        const char* const names[] = {"text.pdf", "scanned.pdf", "words.png", "letter.docx", "minutes.odt"};
+        env->exec("insert into File values(1,'F-001','Tax',1)");
+        for (int i = 0; i < 5; ++i)
+            document(4 + i, "2025-02-01", at(names[i]));
+        SoftCopyWork work(QStringLiteral("seat-1"));
+        work.reader().setHelper(QStringLiteral(VORLANE_READER));
+        QCOMPARE(work.readWaiting(), 8);
+
+        Screen<frmSearchDocument> screen;
+        screen->Show();
+        const char* const words[] = {"marmalade", "lighthouse", "pelican", "quarterly", "parliament"};
+        for (int i = 0; i < 5; ++i) {
+            screen->ResetSearchForm();
+            screen.type("txtSoftCopyText", QString::fromLatin1(words[i]));
+            screen.press("cmdSearch");
+            const QStringList said = messages();
+            QVERIFY2(said.isEmpty(), qPrintable(said.join(QLatin1Char('\n'))));
+            const QStringList rows = screen.rows("lstList");
+            QCOMPARE(rows.size(), 1);
+            QVERIFY2(rows.constFirst().startsWith(QString::number(4 + i) + QLatin1Char('|')), words[i]);
+        }
     }
 
     // Two seats, each its own process, share the documents: none is read twice. A seat killed
