@@ -180,13 +180,14 @@ void frmSoftCopies::readStates() {
     readMissing(counts.value(QStringLiteral("missing")));
 }
 
-// The newest first, at most MissingShown of them.
+// The newest first, at most MissingShown of them, straight from the index of the states (which
+// holds each row's date) without sorting the missing ones.
 void frmSoftCopies::readMissing(qint64 missing) {
     db::Recordset rs;
     rs.Open(QStringLiteral(
                 "Select V.Title1, V.Title2, V.DocDate, V.FilePath from SoftCopy S inner join Vorlane V "
-                "on V.IndexID=S.IndexID where S.ReadState='missing' order by V.DocDate desc, "
-                "V.IndexID desc limit ") +
+                "on V.IndexID=S.IndexID where S.ReadState='missing' order by S.DocDate desc, "
+                "S.IndexID desc limit ") +
                 QString::number(MissingShown),
             GenMod::Conn, db::adOpenForwardOnly, db::adLockReadOnly);
     int shown = 0;

@@ -1,7 +1,7 @@
 // Reading the text of soft copies through the helper vorlane-reader: files of each kind made
 // here, bad input, and helpers that hang or crash.
 #include "index/SoftCopyReader.h"
-#include "reports/ReportEngine.h"
+#include "support/SoftCopySamples.h"
 
 #include <QImage>
 #include <QPainter>
@@ -9,60 +9,13 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <quazip.h>
-#include <quazipfile.h>
 #include <sys/stat.h>
 
 using State = SoftCopyText::State;
 
-namespace {
-
-// Words in the reports' bold face, large and black on white, as a scanner would give them.
-QImage picture(const QString& words, int points = 40) {
-    QImage image(1400, 300, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    painter.setFont(reports::reportFont({double(points), true}));
-    painter.drawText(image.rect(), Qt::AlignCenter, words);
-    return image;
-}
-
-void writePdf(const QString& path, const QString& words, bool scanned) {
-    QPdfWriter writer(path);
-    QPainter painter(&writer);
-    if (scanned) {
-        painter.drawImage(QRect(0, 0, writer.width(), writer.width() * 3 / 14), picture(words));
-    } else {
-        painter.setFont(reports::reportFont({14.0}));
-        painter.drawText(QPointF(300, 600), words);
-    }
-}
-
-void writeZip(const QString& path, const QString& entry, const QByteArray& xml, const QString& entry2 = {},
-              const QByteArray& xml2 = {}) {
-    QuaZip zip(path);
-    zip.open(QuaZip::mdCreate);
-    for (const auto& [name, data] : {std::pair(entry, xml), std::pair(entry2, xml2)}) {
-        QuaZipFile file(&zip);
-        if (!name.isEmpty() && file.open(QIODevice::WriteOnly, QuaZipNewInfo(name)))
-            file.write(data);
-    }
-    zip.close();
-}
-
-void writeFile(const QString& path, const QByteArray& data) {
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(data);
-}
-
-QByteArray docx(const QByteArray& words) {
-    return "<w:document xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"><w:body>"
-           "<w:p><w:r><w:t>" +
-           words + "</w:t></w:r></w:p></w:body></w:document>";
-}
-
-} // namespace
+using testsupport::writeFile;
+using testsupport::writePdf;
+using testsupport::writeZip;
 
 class tst_SoftCopyReader : public QObject {
     Q_OBJECT
@@ -80,17 +33,14 @@ class tst_SoftCopyReader : public QObject {
 void tst_SoftCopyReader::initTestCase() {
     writePdf(path(QStringLiteral("text.pdf")), QStringLiteral("Marmalade shipment"), false);
     writePdf(path(QStringLiteral("scanned.pdf")), QStringLiteral("LIGHTHOUSE"), true);
-    QVERIFY(picture(QStringLiteral("PELICAN"), 60).save(path(QStringLiteral("words.png"))));
+    QVERIFY(testsupport::wordsPicture(QStringLiteral("PELICAN"), 60).save(path(QStringLiteral("words.png"))));
     QVERIFY(QImage(1100, 1000, QImage::Format_Mono).save(path(QStringLiteral("large.png"))));
     writeZip(path(QStringLiteral("letter.docx")), QStringLiteral("word/document.xml"),
-             docx("Quarterly report"));
+             testsupport::docxBody("Quarterly report"));
     writeZip(path(QStringLiteral("bomb.docx")), QStringLiteral("word/document.xml"),
-             docx(QByteArray(3 << 20, 'a')));
+             testsupport::docxBody(QByteArray(3 << 20, 'a')));
     writeZip(path(QStringLiteral("minutes.odt")), QStringLiteral("content.xml"),
-             "<office:document-content xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
-             "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\"><office:body><office:text>"
-             "<text:p>Parliament<text:s text:c=\"2\"/>minutes</text:p></office:text></office:body>"
-             "</office:document-content>");
+             testsupport::odtContent("Parliament<text:s text:c=\"2\"/>minutes"));
     // A shared string, then a sheet whose first cell points at it and whose second holds a number.
     writeZip(
         path(QStringLiteral("sales.xlsx")), QStringLiteral("xl/sharedStrings.xml"),
@@ -108,6 +58,26 @@ void tst_SoftCopyReader::initTestCase() {
         "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[]/Count 0>> "
         "endobj\n3 0 obj <</Filter/Standard/V 1/R 2/O" +
             key + "/U" + key + "/P -4>> endobj\ntrailer <</Root 1 0 R/Encrypt 3 0 R/Size 4>>\n%%EOF\n");
+    {
+        // Two thousand pages of text, the last one's word read too; and scanned pages that need more
+        // processor time than the reader may use.
+        QPdfWriter writer(path(QStringLiteral("long.pdf")));
+        QPainter painter(&writer);
+        for (int page = 1; page <= 2000; ++page) {
+            if (page > 1)
+                writer.newPage();
+            painter.drawText(QPointF(300, 600),
+                             page == 2000 ? QStringLiteral("Epilogue") : QString::number(page));
+        }
+        QPdfWriter scans(path(QStringLiteral("scans.pdf")));
+        QPainter scanned(&scans);
+        for (int page = 1; page <= 40; ++page) {
+            if (page > 1)
+                scans.newPage();
+            scanned.drawImage(QRect(0, 0, scans.width(), scans.width() * 3 / 14),
+                              testsupport::wordsPicture(QStringLiteral("PAGE %1").arg(page)));
+        }
+    }
     QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("folder.pdf")));
     QCOMPARE(mkfifo(path(QStringLiteral("hang.txt")).toLocal8Bit().constData(), 0600), 0);
     for (const char* signal : {"SEGV", "KILL"}) {
@@ -136,6 +106,9 @@ void tst_SoftCopyReader::read_data() {
     row("xlsx", "sales.xlsx", State::Read, "Invoice\n4711");
     row("odt", "minutes.odt", State::Read, "Parliament  minutes");
     row("latin-1 text", "note.txt", State::Read, "Crocodile café");
+    row("2,000 pages", "long.pdf", State::Read, "Epilogue");
+    row("scans beyond the time", "scans.pdf", State::Unreadable, "processor time",
+        {QStringLiteral("--cpu-seconds=1")});
     row("damaged pdf", "damaged.pdf", State::Unreadable, "damaged");
     row("locked pdf", "locked.pdf", State::Unreadable, "password");
     row("zip bomb", "bomb.docx", State::Unreadable, "unpacks to more than 1 MB",

@@ -17,9 +17,11 @@ class TestSoftCopies : public QObject {
         env->exec(QStringLiteral("insert into Vorlane values(%1,'%2','%2',1,1,1,1,'Title %1','Sub %1',"
                                  "'/srv/scans/%1.pdf',1,'','',1)")
                       .arg(QString::number(id), QString::fromLatin1(date)));
-        env->exec(QStringLiteral("delete from SoftCopy where IndexID=%1").arg(id));
-        if (*state)
-            env->exec(QStringLiteral("insert into SoftCopy (IndexID, ReadState, Reason) values (%1,'%2',%3)")
+        // The document came with its row, waiting.
+        if (!*state)
+            env->exec(QStringLiteral("delete from SoftCopy where IndexID=%1").arg(id));
+        else
+            env->exec(QStringLiteral("update SoftCopy set ReadState='%2', Reason=%3 where IndexID=%1")
                           .arg(QString::number(id), QString::fromLatin1(state),
                                *reason ? testsupport::literal(QString::fromLatin1(reason))
                                        : QStringLiteral("null")));
