@@ -1,8 +1,10 @@
 #include "Driver.h"
 
+#include "Office.h"
 #include "Process.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
+#include "index/SoftCopyWork.h"
 #include "index/frmIndexDocument.h"
 #include "index/frmSearchDocument.h"
 #include "platform/Controls.h"
@@ -115,8 +117,9 @@ void save(const char* step) {
 }
 
 // Presses Search with the criteria set, and times the first rows and the whole list as Edit's
-// are timed. The statement goes to the parent, which runs it in the sqlite3 shell.
-void timeSearch(const char* step, const std::function<void()>& criteria) {
+// are timed. The statement goes to the parent, which runs it in the sqlite3 shell; with `keys`,
+// so do the keys of the rows found, which the parent compares with the shell's.
+void timeSearch(const char* step, const std::function<void()>& criteria, bool keys = false) {
     auto& screen = frmSearchDocument::instance();
     screen.ResetSearchForm();
     criteria();
@@ -140,6 +143,12 @@ void timeSearch(const char* step, const std::function<void()>& criteria) {
                paints.peakAtFirstWithRows);
     report((name + "-whole").constData(), millisecondsSince(pressed, ready));
     std::printf("rows %s %d\n", step, list->ListCount());
+    if (keys) {
+        std::printf("keys %s", step);
+        for (int i = 0; i < list->ListCount(); ++i)
+            std::printf(" %s", qPrintable(list->itemText(i, 0)));
+        std::printf("\n");
+    }
     std::printf("statement %s %s\n", step, qPrintable(screen.BuildSearchStatement()));
     std::fflush(stdout);
 }
@@ -164,6 +173,13 @@ void searchSteps() {
     // A number in the first title: a few rows in a thousand at most.
     timeSearch("search-contains",
                [&screen] { control<QLineEdit>("txtTitle1", screen)->setText(QStringLiteral("4471")); });
+    // A name in the soft copies' texts: one document in a thousand.
+    timeSearch(
+        "search-softcopy",
+        [&screen] {
+            control<QLineEdit>("txtSoftCopyText", screen)->setText(QString::fromLatin1(RareWords[0].word));
+        },
+        true);
     screen.Unload();
 }
 
@@ -226,7 +242,7 @@ void run(int documents) {
 
 } // namespace
 
-int driveScreen(int& argc, char** argv, int documents, const QString& folder) {
+int driveScreen(int& argc, char** argv, int documents, const QString& folder, bool reading) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // unixODBC knows no data source here, so the screen opens the office's embedded file
@@ -251,8 +267,22 @@ int driveScreen(int& argc, char** argv, int documents, const QString& folder) {
     platform::test::setSettingsFolder(QDir(folder).filePath(QStringLiteral("settings")));
     Session::CurrentUserID = 1;
     Session::UserRights = QStringLiteral("Modify");
+    // The soft copies that wait are read in the background while the steps run, as on a seat.
+    std::optional<SoftCopyWork> work;
+    int stored = 0;
+    if (reading) {
+        work.emplace(QStringLiteral("bench"));
+        work->reader().setHelper(QStringLiteral(VORLANE_READER));
+        QObject::connect(&*work, &SoftCopyWork::stored, [&stored] { ++stored; });
+        work->start();
+    }
     try {
         run(documents);
+        if (work) {
+            // How much was read, and whether the reading went on to the end of the steps.
+            std::printf("background %d %d\n", stored, work->isRunning() ? 1 : 0);
+            work->stop();
+        }
     } catch (const StepFailed& f) {
         std::printf("fail %s\n", qPrintable(f.what.simplified()));
         return 1;
