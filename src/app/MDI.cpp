@@ -2,6 +2,7 @@
 
 #include "ToolbarNames.h"
 #include "frmAbout.h"
+#include "index/SoftCopyWork.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/MsgBox.h"
@@ -20,8 +21,12 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPainter>
+#include <QPushButton>
 #include <QShortcut>
+#include <QStatusBar>
+#include <QSysInfo>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace {
 
@@ -299,8 +304,70 @@ QWidget* MDI::build() {
         connect(pane, &QShortcut::activated, this, [this] { switchPane(); });
     }
 
+    // The background reading's status line, shown while it has work.
+    auto* status = w->statusBar();
+    status->setObjectName(QStringLiteral("StatusBar"));
+    auto* reading = new QLabel(status);
+    reading->setObjectName(QStringLiteral("lblSoftCopies"));
+    auto* pause = new QPushButton(QStringLiteral("Pause"), status);
+    pause->setObjectName(QStringLiteral("cmdPauseReading"));
+    pause->setAccessibleName(QStringLiteral("Pause reading soft copies"));
+    status->addWidget(reading);
+    status->addWidget(pause);
+    connect(pause, &QPushButton::clicked, this, [this] { pauseSoftCopyReading(!m_paused); });
+    status->hide();
+
     Form::setMdiArea(frame);
     return w;
+}
+
+SoftCopyWork& MDI::softCopyWork() {
+    if (!m_reading) {
+        m_reading =
+            new SoftCopyWork(QStringLiteral("%1:%2").arg(QSysInfo::machineHostName(),
+                                                         QString::number(QCoreApplication::applicationPid())),
+                             this);
+        connect(m_reading, &SoftCopyWork::progress, this, &MDI::showReading);
+        connect(m_reading, &SoftCopyWork::idle, this, [this] { showReading(0, 0); });
+        // The thread ends before the program does.
+        connect(qApp, &QCoreApplication::aboutToQuit, this,
+                [this] { delete std::exchange(m_reading, nullptr); });
+    }
+    return *m_reading;
+}
+
+void MDI::startSoftCopyReading() {
+    m_paused = false;
+    softCopyWork().start();
+}
+
+void MDI::pauseSoftCopyReading(bool pause) {
+    if (!m_reading)
+        return;
+    m_paused = pause;
+    if (pause)
+        m_reading->stop();
+    else
+        m_reading->start();
+    showReading(m_done, m_total);
+}
+
+void MDI::showReading(qint64 done, qint64 total) {
+    m_done = done;
+    m_total = total;
+    auto* status = window() ? static_cast<QMainWindow*>(window())->statusBar() : nullptr;
+    if (!status)
+        return;
+    const QLocale locale;
+    control<QLabel>(QStringLiteral("lblSoftCopies"))
+        ->setText((m_paused ? QStringLiteral("Reading soft copies paused: %1 of %2")
+                            : QStringLiteral("Reading soft copies: %1 of %2"))
+                      .arg(locale.toString(done), locale.toString(total)));
+    auto* pause = control<QPushButton>(QStringLiteral("cmdPauseReading"));
+    pause->setText(m_paused ? QStringLiteral("Resume") : QStringLiteral("Pause"));
+    pause->setAccessibleName(m_paused ? QStringLiteral("Resume reading soft copies")
+                                      : QStringLiteral("Pause reading soft copies"));
+    status->setVisible(m_paused || total > 0);
 }
 
 void MDI::switchPane() {

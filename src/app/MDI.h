@@ -7,7 +7,10 @@
 #include <QPointer>
 #include <functional>
 
+class QLabel;
 class QMdiArea;
+class QPushButton;
+class SoftCopyWork;
 
 // A toolbar entry: a picture that acts as a button. It reports the mouse moving over it and
 // clicks; from the keyboard it takes the focus, lights up, and Enter or Space clicks it.
@@ -54,6 +57,12 @@ class MDI : public Form {
     static void setOnEnd(std::function<void()> action);
 
     QMdiArea* area() const;
+
+    // The soft copies' texts read in the background of this seat, its progress in the status line
+    // `lblSoftCopies` with the button `cmdPauseReading` that pauses and resumes it.
+    void startSoftCopyReading();
+    void pauseSoftCopyReading(bool pause);
+    SoftCopyWork& softCopyWork();
     // F6 and Shift+F6: the focus goes from the toolbar to the screen in front, and back.
     void switchPane();
 
@@ -70,5 +79,10 @@ class MDI : public Form {
     void ImgAbout_Click();
     void ImgHelp_Click();
     QPixmap pictureOf(const QString& entry, bool hover, bool* ok) const;
+    void showReading(qint64 done, qint64 total);
     QPointer<ImageControl> m_lastEntry;
+    SoftCopyWork* m_reading = nullptr;
+    bool m_paused = false;
+    qint64 m_done = 0;
+    qint64 m_total = 0;
 };

@@ -55,7 +55,10 @@ int runVorlane(QApplication& app) {
     // Ties the windows to the installed desktop entry, for the desktop's icon and name.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.vorlane.Vorlane"));
     wireScreens();
-    frmLogin::setOnLoggedIn([] { MDI::instance().Show(); });
+    frmLogin::setOnLoggedIn([] {
+        MDI::instance().Show();
+        MDI::instance().startSoftCopyReading();
+    });
     if (!Startup())
         return 0;
     return app.exec();

@@ -109,15 +109,17 @@ QVector<Table> buildSchema() {
           {QStringLiteral("FileNumber"), T},
           {QStringLiteral("FilePath"), T}},
          false},
-        // The text read from the soft copy of each document that has been looked at, with the file
-        // as it was then (its size in bytes and its modification time in UTC, as texts compared
-        // only for equality) and the state of the reading: "read", "waiting", "unreadable",
-        // "missing" or "notext" (a kind of file whose text is not read), with its reason. A seat
-        // reading it holds the row through ClaimedBy and ClaimedAt (UTC, ISO 8601). A document
-        // without a row waits to be read. The row follows its document on both engines: it goes
-        // with it, and waits again when the document's path changes.
+        // The text read from the soft copy of each document, with the file as it was then (its
+        // size in bytes and its modification time in UTC, as texts compared only for equality)
+        // and the state of the reading: "read", "waiting", "unreadable", "missing" or "notext" (a
+        // kind of file whose text is not read), with its reason. A seat reading it holds the row
+        // through ClaimedBy and ClaimedAt (UTC, ISO 8601). Every document has its row, kept by
+        // triggers on both engines: it comes waiting with the document, carries its date (the
+        // waiting are read newest first, through one index), goes with it, and waits again when
+        // the document's path changes.
         {QStringLiteral("SoftCopy"),
          {{QStringLiteral("IndexID"), N},
+          {QStringLiteral("DocDate"), D},
           {QStringLiteral("ReadPath"), T},
           {QStringLiteral("FileSize"), T},
           {QStringLiteral("FileTime"), T},

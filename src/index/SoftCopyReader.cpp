@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QTimer>
 #include <csignal>
@@ -85,14 +86,30 @@ SoftCopyText SoftCopyReader::outcome(QProcess& process, bool timedOut) const {
 }
 
 SoftCopyText SoftCopyReader::read(const QString& path) const {
+    const std::atomic<bool> never{false};
+    bool cancelled = false;
+    return read(path, never, cancelled);
+}
+
+SoftCopyText SoftCopyReader::read(const QString& path, const std::atomic<bool>& cancel,
+                                  bool& cancelled) const {
     const std::unique_ptr<QProcess> process(prepare(path, nullptr));
     process->start();
     bool timedOut = false;
-    if (process->waitForStarted(-1) && !process->waitForFinished(m_seconds * 1000) &&
-        process->state() != QProcess::NotRunning) {
-        process->kill();
-        process->waitForFinished(-1);
-        timedOut = true;
+    cancelled = false;
+    if (process->waitForStarted(-1)) {
+        QElapsedTimer clock;
+        clock.start();
+        // A look at the cancel flag every tenth of a second.
+        while (!process->waitForFinished(100) && process->state() != QProcess::NotRunning) {
+            cancelled = cancel;
+            timedOut = clock.elapsed() >= m_seconds * 1000LL;
+            if (cancelled || timedOut) {
+                process->kill();
+                process->waitForFinished(-1);
+                break;
+            }
+        }
     }
     return outcome(*process, timedOut);
 }

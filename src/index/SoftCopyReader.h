@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <atomic>
 
 class QProcess;
 class QTimer;
@@ -35,6 +36,9 @@ class SoftCopyReader : public QObject {
     // the time limit, so the GUI thread uses start(). Any thread may call it: it uses nothing of
     // the object but its settings, and runs its helper in the calling thread.
     SoftCopyText read(const QString& path) const;
+    // The same, cut short as soon as `cancel` turns true (then `cancelled` is set and the outcome
+    // means nothing).
+    SoftCopyText read(const QString& path, const std::atomic<bool>& cancel, bool& cancelled) const;
     // Starts reading `path` and returns at once; finished() tells the outcome. A reading that is
     // still running is abandoned.
     void start(const QString& path);

@@ -1,13 +1,17 @@
 #include "SoftCopyWork.h"
 
-#include "datastore/Ado.h"
 #include "session/GenMod.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QThread>
+#include <utility>
 
 namespace {
+
+// The document saved last in this program, to be read next; 0 for none.
+std::atomic<qint64> savedLast{0};
 
 QString quoted(const QString& text) {
     QString inner = text;
@@ -33,20 +37,11 @@ QString stateName(SoftCopyText::State state) {
     return QStringLiteral("unreadable");
 }
 
-// A connection of its own for one short operation, in one transaction that takes the write lock.
-template <typename Work> auto inTransaction(Work work) {
-    auto connection = std::make_shared<db::Connection>();
-    connection->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
-    connection->BeginTrans();
-    try {
-        auto result = work(connection);
-        connection->CommitTrans();
-        return result;
-    } catch (...) {
-        if (connection->inTransaction())
-            connection->RollbackTrans();
-        throw;
-    }
+QString ids(const QList<qint64>& keys) {
+    QStringList out;
+    for (const qint64 key : keys)
+        out << QString::number(key);
+    return out.join(QLatin1Char(','));
 }
 
 } // namespace
@@ -54,43 +49,69 @@ template <typename Work> auto inTransaction(Work work) {
 SoftCopyWork::SoftCopyWork(const QString& seat, QObject* parent) : QObject(parent), m_seat(seat) {}
 
 SoftCopyWork::~SoftCopyWork() {
-    // A reading under way ends within the reader's time limit.
     if (m_thread) {
+        stop();
         m_thread->wait();
         delete m_thread;
     }
 }
 
+void SoftCopyWork::readNext(qint64 indexId) {
+    savedLast = indexId;
+}
+
+const db::ConnectionPtr& SoftCopyWork::connection() {
+    if (!m_connection) {
+        auto opened = std::make_shared<db::Connection>();
+        opened->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+        m_connection = std::move(opened);
+    }
+    return m_connection;
+}
+
+// One transaction that takes the write lock; a connection that failed is opened again next time.
+template <typename Work> auto SoftCopyWork::inTransaction(Work work) {
+    const db::ConnectionPtr c = connection();
+    try {
+        c->BeginTrans();
+        auto result = work(c);
+        c->CommitTrans();
+        return result;
+    } catch (...) {
+        if (c->inTransaction())
+            c->RollbackTrans();
+        m_connection.reset();
+        throw;
+    }
+}
+
 std::optional<SoftCopyClaim> SoftCopyWork::claimNext(const QDateTime& now) {
-    const QString expired = stamp(now.addSecs(-60LL * m_claimMinutes));
+    const QString free = QStringLiteral(" and (S.ClaimedAt is null or S.ClaimedAt < %1)")
+                             .arg(quoted(stamp(now.addSecs(-60LL * m_claimMinutes))));
+    const qint64 saved = savedLast.exchange(0);
     return inTransaction([&](const db::ConnectionPtr& c) -> std::optional<SoftCopyClaim> {
-        // A document without a row has never been looked at; one whose row waits was saved with
-        // another path since, or its reading was given back.
+        // The waiting come newest first through the queue's index; those left for other seats
+        // are fewer than the rows asked for, so one is always this seat's if any waits.
+        QString statement =
+            QStringLiteral("Select S.IndexID, I.FilePath from SoftCopy S inner join Vorlane I on "
+                           "I.IndexID=S.IndexID where S.ReadState='waiting'") +
+            free;
+        if (saved != 0 && !m_leftForOthers.contains(saved))
+            statement += QStringLiteral(" and S.IndexID=") + QString::number(saved);
+        else
+            statement += QStringLiteral(" order by S.DocDate desc, S.IndexID desc limit ") +
+                         QString::number(m_leftForOthers.size() + 1);
+        std::optional<SoftCopyClaim> claim;
         db::Recordset rs;
-        rs.Open(QStringLiteral("Select I.IndexID, I.FilePath, S.IndexID as Known from Vorlane I left join "
-                               "SoftCopy S on S.IndexID=I.IndexID where (S.IndexID is null or "
-                               "(S.ReadState='waiting' and (S.ClaimedAt is null or S.ClaimedAt < %1))) "
-                               "order by I.DocDate desc, I.IndexID desc")
-                    .arg(quoted(expired)),
-                c, db::adOpenForwardOnly, db::adLockReadOnly);
-        for (; !rs.eof(); rs.MoveNext()) {
-            const qint64 id = rs.Fields(0).toLongLong();
-            if (m_leftForOthers.contains(id))
-                continue;
-            const SoftCopyClaim claim{id, rs.Fields(1).toString().trimmed()};
-            const bool known = !rs.Fields(2).isNull();
-            rs.Close();
-            const QString seat = quoted(m_seat);
-            const QString at = quoted(stamp(now));
-            c->Execute(known
-                           ? QStringLiteral("Update SoftCopy set ClaimedBy=%1, ClaimedAt=%2 where IndexID=%3")
-                                 .arg(seat, at, QString::number(id))
-                           : QStringLiteral("Insert into SoftCopy (IndexID, ReadState, ClaimedBy, ClaimedAt) "
-                                            "values (%1, 'waiting', %2, %3)")
-                                 .arg(QString::number(id), seat, at));
-            return claim;
-        }
-        return std::nullopt;
+        rs.Open(statement, c, db::adOpenForwardOnly, db::adLockReadOnly);
+        for (; !rs.eof() && !claim; rs.MoveNext())
+            if (!m_leftForOthers.contains(rs.Fields(0).toLongLong()))
+                claim = SoftCopyClaim{rs.Fields(0).toLongLong(), rs.Fields(1).toString().trimmed()};
+        rs.Close();
+        if (claim)
+            c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=%1, ClaimedAt=%2 where IndexID=%3")
+                           .arg(quoted(m_seat), quoted(stamp(now)), QString::number(claim->indexId)));
+        return claim;
     });
 }
 
@@ -104,7 +125,7 @@ SoftCopyReading SoftCopyWork::read(const QString& path) const {
     }
     reading.size = QString::number(before.size());
     reading.modified = stamp(before.lastModified());
-    reading.result = m_reader.read(path);
+    reading.result = m_reader.read(path, m_stop, reading.cancelled);
     return reading;
 }
 
@@ -118,7 +139,7 @@ void SoftCopyWork::store(const SoftCopyClaim& claim, const SoftCopyReading& read
         // A document deleted or saved with another path meanwhile: its row is gone, or waits again.
         const bool samePath = !rs.eof() && rs.Fields(0).toString().trimmed() == claim.path;
         rs.Close();
-        if (reading.unreachable || !samePath) {
+        if (reading.unreachable || reading.cancelled || !samePath) {
             c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=Null, ClaimedAt=Null") + held);
             return 0;
         }
@@ -136,40 +157,140 @@ void SoftCopyWork::store(const SoftCopyClaim& claim, const SoftCopyReading& read
         m_leftForOthers.insert(claim.indexId);
 }
 
+qint64 SoftCopyWork::sweepChanged(qint64 after, int batch, qint64* changedCount) {
+    struct Known {
+        qint64 id;
+        QString path, size, time;
+        bool missing;
+    };
+    QList<Known> known;
+    {
+        db::Recordset rs;
+        rs.Open(
+            QStringLiteral(
+                "Select IndexID, ReadPath, FileSize, FileTime, ReadState from SoftCopy where IndexID>%1 and "
+                "ReadState<>'waiting' order by IndexID limit %2")
+                .arg(QString::number(after), QString::number(batch)),
+            connection(), db::adOpenForwardOnly, db::adLockReadOnly);
+        for (; !rs.eof(); rs.MoveNext())
+            known.append({rs.Fields(0).toLongLong(), rs.Fields(1).toString(), rs.Fields(2).toString(),
+                          rs.Fields(3).toString(), rs.Fields(4).toString() == QLatin1String("missing")});
+    }
+    // A file that this seat cannot see is left as it is: it may lie on another machine.
+    QList<qint64> changed;
+    for (const Known& k : known) {
+        const QFileInfo now(k.path);
+        if (!now.absoluteDir().exists())
+            continue;
+        const bool same = now.exists()
+                              ? QString::number(now.size()) == k.size && stamp(now.lastModified()) == k.time
+                              : k.missing;
+        if (!same)
+            changed << k.id;
+    }
+    if (changedCount)
+        *changedCount += changed.size();
+    if (!changed.isEmpty())
+        inTransaction([&](const db::ConnectionPtr& c) {
+            c->Execute(
+                QStringLiteral("Update SoftCopy set ReadState='waiting' where ReadState<>'waiting' and "
+                               "IndexID in (%1)")
+                    .arg(ids(changed)));
+            return 0;
+        });
+    return known.size() < batch ? 0 : known.constLast().id;
+}
+
+qint64 SoftCopyWork::waitingCount() {
+    db::Recordset rs;
+    rs.Open(QStringLiteral("Select count(IndexID) from SoftCopy where ReadState='waiting'"), connection(),
+            db::adOpenForwardOnly, db::adLockReadOnly);
+    return rs.eof() ? 0 : rs.Fields(0).toLongLong();
+}
+
 void SoftCopyWork::start() {
-    if (m_running)
-        return;
-    m_running = true;
-    next();
-}
-
-void SoftCopyWork::next() {
-    try {
-        m_claim = m_running ? claimNext(QDateTime::currentDateTimeUtc()) : std::nullopt;
-    } catch (const platform::Error&) {
-        // The database is busy or out of reach: a later start tries again.
-        m_claim.reset();
-    }
-    if (!m_claim) {
-        m_running = false;
-        emit idle();
+    if (m_thread) {
+        // Still ending after a stop: it starts again once ended.
+        m_startAgain = m_stop.load();
         return;
     }
-    const QString path = m_claim->path;
-    m_thread = QThread::create([this, path] { m_reading = read(path); });
-    connect(m_thread, &QThread::finished, this, &SoftCopyWork::finished);
-    m_thread->start();
+    m_stop = false;
+    // The worker opens a connection of its own.
+    m_connection.reset();
+    m_thread = QThread::create([this] { run(); });
+    connect(m_thread, &QThread::finished, this, [this] {
+        m_thread->deleteLater();
+        m_thread = nullptr;
+        emit stopped();
+        if (std::exchange(m_startAgain, false))
+            start();
+    });
+    m_thread->start(QThread::LowPriority);
 }
 
-void SoftCopyWork::finished() {
-    m_thread->deleteLater();
-    m_thread = nullptr;
-    const SoftCopyClaim claim = *m_claim;
-    try {
-        store(claim, m_reading);
-    } catch (const platform::Error&) {
-        // Not stored: the claim runs out and the document is read again.
+void SoftCopyWork::stop() {
+    const QMutexLocker lock(&m_restLock);
+    m_startAgain = false;
+    m_stop = true;
+    m_wake.wakeAll();
+}
+
+void SoftCopyWork::rest(int seconds) {
+    QElapsedTimer clock;
+    clock.start();
+    const QMutexLocker lock(&m_restLock);
+    // A document saved meanwhile ends the rest.
+    while (!m_stop && savedLast == 0 && clock.elapsed() < seconds * 1000LL)
+        m_wake.wait(&m_restLock, 500);
+}
+
+qint64 SoftCopyWork::sweepAll() {
+    qint64 changed = 0;
+    qint64 after = 0;
+    do
+        after = sweepChanged(after, 500, &changed);
+    while (after != 0 && !m_stop);
+    return changed;
+}
+
+qint64 SoftCopyWork::readWaiting() {
+    qint64 done = 0;
+    qint64 total = waitingCount();
+    QElapsedTimer counted; // the waiting are counted again every few seconds
+    counted.start();
+    emit progress(0, total);
+    while (!m_stop) {
+        const auto claim = claimNext(QDateTime::currentDateTimeUtc());
+        if (!claim)
+            break;
+        const SoftCopyReading reading = read(claim->path);
+        store(*claim, reading);
+        if (reading.cancelled)
+            break;
+        ++done;
+        if (total < done || counted.elapsed() > 2000) {
+            total = done + waitingCount();
+            counted.restart();
+        }
+        emit stored(claim->indexId);
+        emit progress(done, qMax(total, done));
     }
-    emit stored(claim.indexId);
-    next();
+    return done;
+}
+
+void SoftCopyWork::run() {
+    while (!m_stop) {
+        try {
+            readWaiting();
+            if (m_stop || sweepAll() > 0)
+                continue;
+            emit idle();
+            rest(m_restSeconds);
+        } catch (const platform::Error&) {
+            // The database is busy or out of reach: a claim not stored runs out and the document
+            // is read again; a moment later the work goes on.
+            rest(10);
+        }
+    }
+    m_connection.reset();
 }

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "SoftCopyReader.h"
+#include "datastore/Ado.h"
 
 #include <QDateTime>
+#include <QMutex>
 #include <QObject>
 #include <QSet>
+#include <QWaitCondition>
+#include <atomic>
 #include <optional>
 
 class QThread;
@@ -23,52 +27,90 @@ struct SoftCopyReading {
     // The folder of the path is out of this seat's reach (a drive or share of another machine):
     // the document is left for a seat that can reach it.
     bool unreachable = false;
+    // The reading was cut short by stop(): nothing is stored, the claim is given back.
+    bool cancelled = false;
 };
 
-// The soft copies' texts in the background of a seat, without a window: it takes the documents
-// that wait to be read, newest first, one at a time, holds each by a claim in the database (so
-// that seats sharing the database never read a document twice), reads it through SoftCopyReader in
-// a worker thread, and stores the outcome in one transaction. A claim older than the claim time
-// is taken to be that of a seat that died, and is taken over.
+// The soft copies' texts in the background of a seat, without a window. In a worker thread of
+// its own, it takes the documents that wait to be read, newest first, one at a time, holds each
+// by a claim in the database (so that seats sharing the database never read a document twice),
+// reads it through SoftCopyReader, and stores the outcome in one transaction. A claim older than
+// the claim time is taken to be that of a seat that died, and is taken over. When none waits, it
+// looks through the documents already read for files that changed since (size or modification
+// time), a batch at a time, and sets those waiting; then it rests and looks again.
 class SoftCopyWork : public QObject {
     Q_OBJECT
   public:
     explicit SoftCopyWork(const QString& seat, QObject* parent = nullptr);
+    // Stops, cutting a reading under way short, and waits for the worker thread.
     ~SoftCopyWork() override;
 
     SoftCopyReader& reader() { return m_reader; }
     void setClaimMinutes(int minutes) { m_claimMinutes = minutes; }
+    // How long it rests once every document is read and every file looked at (10 minutes).
+    void setRestSeconds(int seconds) { m_restSeconds = seconds; }
 
-    // Starts the reading: it goes on by itself until no document waits (then idle()), or stop().
+    // Starts the worker thread; it goes on until stop().
     void start();
-    void stop() { m_running = false; }
-    bool isRunning() const { return m_running; }
+    // Ends the work soon: a reading under way is cut short and its document given back. The
+    // thread ends by itself; stopped() tells when.
+    void stop();
+    bool isStopped() const { return m_stop; }
+    bool isRunning() const { return m_thread != nullptr; }
 
-    // The steps, each one short operation on the database (their own connection, opened and
-    // closed inside): the next waiting document claimed for this seat, or none.
+    // The document just saved in this program is read next, if it waits.
+    static void readNext(qint64 indexId);
+
+    // The steps, each one short operation on the database in one transaction, on the connection
+    // of the thread that runs them (the worker's while it runs): the next waiting document
+    // claimed for this seat, or none.
     std::optional<SoftCopyClaim> claimNext(const QDateTime& now);
     // Reads the file of a claim: any thread.
     SoftCopyReading read(const QString& path) const;
     // Stores a reading, when this seat still holds the claim and the document's path is still the
-    // one read; a path out of reach gives the claim back and leaves the document to other seats.
+    // one read; a path out of reach or a cancelled reading gives the claim back, and a path out of
+    // reach leaves the document to other seats.
     void store(const SoftCopyClaim& claim, const SoftCopyReading& reading);
+    // Looks at up to `batch` documents read before, after the key `after`, and sets those whose
+    // file changed since waiting (adding their number to `changed`). The last key looked at, or 0
+    // after the last document.
+    qint64 sweepChanged(qint64 after, int batch, qint64* changed = nullptr);
+    // The same over every document: how many were set waiting.
+    qint64 sweepAll();
+    // Reads the waiting documents one after the other in the calling thread, until none waits
+    // or the work is stopped, telling progress() at the start and after each: how many it read.
+    qint64 readWaiting();
+    // stop() for a signal handler: the work ends at the next look at it (within a tenth of a second).
+    void interrupt() { m_stop = true; }
+    // How many documents wait to be read.
+    qint64 waitingCount();
 
   signals:
     // A document's outcome is stored (or it was left for another seat).
     void stored(qint64 indexId);
-    // No document waits that this seat may read.
+    // `done` documents of `total` this run, `total` being those done and those waiting: when the
+    // run starts and after each document.
+    void progress(qint64 done, qint64 total);
+    // No document waits and every file was looked at: the work rests.
     void idle();
+    // The worker thread ended after stop().
+    void stopped();
 
   private:
-    void next();
-    void finished();
+    void run();
+    void rest(int seconds);
+    const db::ConnectionPtr& connection();
+    template <typename Work> auto inTransaction(Work work);
 
     QString m_seat;
     int m_claimMinutes = 10;
-    bool m_running = false;
+    int m_restSeconds = 600;
     SoftCopyReader m_reader;
-    std::optional<SoftCopyClaim> m_claim;
-    QThread* m_thread = nullptr;  // the reading under way
-    SoftCopyReading m_reading;    // its outcome, written by that thread before it ends
-    QSet<qint64> m_leftForOthers; // out of this seat's reach, while the program runs
+    QThread* m_thread = nullptr;
+    std::atomic<bool> m_stop{false};
+    bool m_startAgain = false; // start() came while the thread was ending
+    QMutex m_restLock;
+    QWaitCondition m_wake;
+    db::ConnectionPtr m_connection; // of the thread that runs the steps
+    QSet<qint64> m_leftForOthers;   // out of this seat's reach, while the program runs
 };

@@ -1,6 +1,7 @@
 #include "frmIndexDocument.h"
 
 #include "DocumentRows.h"
+#include "SoftCopyWork.h"
 #include "platform/Controls.h"
 #include "platform/Conversions.h"
 #include "platform/Dialogs.h"
@@ -253,7 +254,11 @@ void frmIndexDocument::SaveDocument() {
                QStringLiteral("', UpdatedBy=") + user() + QStringLiteral(" where IndexID=") +
                QString::number(CurrentRowID);
     };
-    steps.reset = [this] { ResetDocumentForm(); };
+    // The soft copy of the document just saved is read next, if it waits.
+    steps.reset = [this] {
+        SoftCopyWork::readNext(CurrentRowID);
+        ResetDocumentForm();
+    };
     saveRecord(steps);
 }
 

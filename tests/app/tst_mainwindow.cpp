@@ -1,5 +1,6 @@
 #include "app/MDI.h"
 #include "app/frmAbout.h"
+#include "index/SoftCopyWork.h"
 #include "support/TestSupport.h"
 
 #include <QAccessible>
@@ -9,7 +10,10 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
+#include <QPushButton>
+#include <QTemporaryDir>
 #include <QtTest>
+#include <sys/stat.h>
 
 using testsupport::messages;
 
@@ -209,6 +213,40 @@ class TestMainWindow : public QObject {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         MDI::instance().ResetToolbar();
         messages();
+    }
+
+    // The status line shows the background reading while it has work; its button pauses the
+    // reading (giving the document under way back) and resumes it.
+    void theStatusLinePausesTheReading() {
+        m_env->createDatabase();
+        QTemporaryDir files;
+        const QString pipe = files.filePath(QStringLiteral("scan.txt")); // hangs its reader
+        mkfifo(QFile::encodeName(pipe).constData(), 0600);
+        m_env->exec(
+            QStringLiteral("insert into Vorlane (IndexID, DocDate, FilePath) values (1, '2026-01-05', '%1')")
+                .arg(pipe));
+        SoftCopyWork& work = MDI::instance().softCopyWork();
+        work.reader().setHelper(QStringLiteral(VORLANE_READER));
+        MDI::instance().startSoftCopyReading();
+        auto* status = MDI::instance().control<QLabel>(QStringLiteral("lblSoftCopies"));
+        auto* pause = MDI::instance().control<QPushButton>(QStringLiteral("cmdPauseReading"));
+        QTRY_COMPARE(status->text(), QStringLiteral("Reading soft copies: 0 of 1"));
+        QVERIFY(status->isVisible());
+        QTRY_COMPARE(m_env->scalar("select count(*) from SoftCopy where ClaimedBy is not null").toInt(), 1);
+
+        QTest::mouseClick(pause, Qt::LeftButton);
+        QCOMPARE(status->text(), QStringLiteral("Reading soft copies paused: 0 of 1"));
+        QCOMPARE(pause->text(), QStringLiteral("Resume"));
+        QTRY_VERIFY(!work.isRunning());
+        QCOMPARE(m_env->scalar("select count(*) from SoftCopy where ClaimedBy is not null").toInt(), 0);
+
+        pause->setFocus();
+        QTest::keyClick(pause, Qt::Key_Space);
+        QCOMPARE(pause->text(), QStringLiteral("Pause"));
+        QVERIFY(work.isRunning());
+        MDI::instance().pauseSoftCopyReading(true);
+        QTRY_VERIFY(!work.isRunning());
+        m_env->removeDatabase();
     }
 
     void aboutClosesOnAClickOfThePictureOrTheX() {

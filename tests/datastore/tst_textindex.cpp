@@ -394,17 +394,21 @@ void TextIndexTest::seatsOpeningTogetherBuildItOnce() {
 void TextIndexTest::olderDatabaseGetsTheSoftCopiesAtItsFirstOpen() {
     {
         RawFile shell;
-        for (const char* name : {"SoftCopyTextInsert", "SoftCopyTextUpdate", "SoftCopyTextDelete",
-                                 "SoftCopyFollowsDelete", "SoftCopyFollowsPath"})
+        for (const char* name :
+             {"SoftCopyTextInsert", "SoftCopyTextUpdate", "SoftCopyTextDelete", "SoftCopyFollowsInsert",
+              "SoftCopyFollowsDelete", "SoftCopyFollowsPath", "SoftCopyFollowsDate"})
             shell.exec(QStringLiteral("DROP TRIGGER ") + QString::fromLatin1(name));
         shell.exec(QStringLiteral("DROP TABLE SoftCopyText"));
         shell.exec(QStringLiteral("DROP TABLE SoftCopy"));
         shell.exec(
             QStringLiteral("INSERT INTO Vorlane (IndexID, FilePath) VALUES (1, 'a.pdf'), (2, 'b.pdf')"));
     }
+    // The documents of before come waiting.
     auto engine = openEngine();
-    engine->execute(QStringLiteral("INSERT INTO SoftCopy (IndexID, ReadState, SoftText) VALUES (1, 'read', "
-                                   "'Lease tax'), (2, 'read', 'Water lease')"));
+    QCOMPARE(keys(*engine, QStringLiteral("SELECT IndexID FROM SoftCopy WHERE ReadState = 'waiting'")),
+             (QList<qint64>{1, 2}));
+    engine->execute(QStringLiteral("UPDATE SoftCopy SET ReadState = 'read', SoftText = CASE IndexID WHEN 1 "
+                                   "THEN 'Lease tax' ELSE 'Water lease' END"));
     // The search screen's form of the criterion.
     const QString statement = engine->dialect().translate(
         QStringLiteral("Select I.IndexID from Vorlane I Where I.IndexID in (select S.IndexID from SoftCopy S "

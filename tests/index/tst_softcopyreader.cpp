@@ -1,68 +1,19 @@
 // Reading the text of soft copies through the helper vorlane-reader: files of each kind made
 // here, bad input, and helpers that hang or crash.
 #include "index/SoftCopyReader.h"
-#include "reports/ReportEngine.h"
+#include "support/SoftCopySamples.h"
 
 #include <QImage>
-#include <QPainter>
-#include <QPdfWriter>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <quazip.h>
-#include <quazipfile.h>
 #include <sys/stat.h>
 
 using State = SoftCopyText::State;
 
-namespace {
-
-// Words in the reports' bold face, large and black on white, as a scanner would give them.
-QImage picture(const QString& words, int points = 40) {
-    QImage image(1400, 300, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    painter.setFont(reports::reportFont({double(points), true}));
-    painter.drawText(image.rect(), Qt::AlignCenter, words);
-    return image;
-}
-
-void writePdf(const QString& path, const QString& words, bool scanned) {
-    QPdfWriter writer(path);
-    QPainter painter(&writer);
-    if (scanned) {
-        painter.drawImage(QRect(0, 0, writer.width(), writer.width() * 3 / 14), picture(words));
-    } else {
-        painter.setFont(reports::reportFont({14.0}));
-        painter.drawText(QPointF(300, 600), words);
-    }
-}
-
-void writeZip(const QString& path, const QString& entry, const QByteArray& xml, const QString& entry2 = {},
-              const QByteArray& xml2 = {}) {
-    QuaZip zip(path);
-    zip.open(QuaZip::mdCreate);
-    for (const auto& [name, data] : {std::pair(entry, xml), std::pair(entry2, xml2)}) {
-        QuaZipFile file(&zip);
-        if (!name.isEmpty() && file.open(QIODevice::WriteOnly, QuaZipNewInfo(name)))
-            file.write(data);
-    }
-    zip.close();
-}
-
-void writeFile(const QString& path, const QByteArray& data) {
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(data);
-}
-
-QByteArray docx(const QByteArray& words) {
-    return "<w:document xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"><w:body>"
-           "<w:p><w:r><w:t>" +
-           words + "</w:t></w:r></w:p></w:body></w:document>";
-}
-
-} // namespace
+using testsupport::writeFile;
+using testsupport::writePdf;
+using testsupport::writeZip;
 
 class tst_SoftCopyReader : public QObject {
     Q_OBJECT
@@ -80,17 +31,14 @@ class tst_SoftCopyReader : public QObject {
 void tst_SoftCopyReader::initTestCase() {
     writePdf(path(QStringLiteral("text.pdf")), QStringLiteral("Marmalade shipment"), false);
     writePdf(path(QStringLiteral("scanned.pdf")), QStringLiteral("LIGHTHOUSE"), true);
-    QVERIFY(picture(QStringLiteral("PELICAN"), 60).save(path(QStringLiteral("words.png"))));
+    QVERIFY(testsupport::wordsPicture(QStringLiteral("PELICAN"), 60).save(path(QStringLiteral("words.png"))));
     QVERIFY(QImage(1100, 1000, QImage::Format_Mono).save(path(QStringLiteral("large.png"))));
     writeZip(path(QStringLiteral("letter.docx")), QStringLiteral("word/document.xml"),
-             docx("Quarterly report"));
+             testsupport::docxBody("Quarterly report"));
     writeZip(path(QStringLiteral("bomb.docx")), QStringLiteral("word/document.xml"),
-             docx(QByteArray(3 << 20, 'a')));
+             testsupport::docxBody(QByteArray(3 << 20, 'a')));
     writeZip(path(QStringLiteral("minutes.odt")), QStringLiteral("content.xml"),
-             "<office:document-content xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
-             "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\"><office:body><office:text>"
-             "<text:p>Parliament<text:s text:c=\"2\"/>minutes</text:p></office:text></office:body>"
-             "</office:document-content>");
+             testsupport::odtContent("Parliament<text:s text:c=\"2\"/>minutes"));
     // A shared string, then a sheet whose first cell points at it and whose second holds a number.
     writeZip(
         path(QStringLiteral("sales.xlsx")), QStringLiteral("xl/sharedStrings.xml"),

@@ -48,20 +48,32 @@ QStringList indexStatements(const Table& t) {
     return out;
 }
 
-// Deleting a document deletes its soft copy's row, and changing its path (as written: another
-// letter case may name another file) makes that row wait to be read again, whoever writes.
+// The triggers that keep each document's soft copy row, whoever writes: a new document brings
+// it, waiting; deleting a document deletes it; changing its path (as written: another letter
+// case may name another file) makes it wait to be read again, and changing its date carries the
+// date over. Then the index of the waiting, newest first.
 QStringList followStatements() {
     return {
-        QStringLiteral("CREATE FUNCTION \"SoftCopyFollows\"() RETURNS trigger LANGUAGE plpgsql AS $$ "
-                       "BEGIN IF TG_OP = 'DELETE' THEN DELETE FROM \"SoftCopy\" WHERE \"IndexID\" = "
-                       "OLD.\"IndexID\"; RETURN OLD; END IF; UPDATE \"SoftCopy\" SET \"ReadState\" = "
-                       "'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE \"IndexID\" = "
-                       "NEW.\"IndexID\"; RETURN NEW; END $$"),
+        QStringLiteral(
+            "CREATE FUNCTION \"SoftCopyFollows\"() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+            "IF TG_OP = 'DELETE' THEN DELETE FROM \"SoftCopy\" WHERE \"IndexID\" = OLD.\"IndexID\"; "
+            "RETURN OLD; END IF; "
+            "IF TG_OP = 'INSERT' THEN INSERT INTO \"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") "
+            "VALUES (NEW.\"IndexID\", NEW.\"DocDate\", 'waiting') ON CONFLICT DO NOTHING; RETURN NEW; END "
+            "IF; "
+            "IF OLD.\"DocDate\" IS DISTINCT FROM NEW.\"DocDate\" THEN UPDATE \"SoftCopy\" SET \"DocDate\" "
+            "= NEW.\"DocDate\" WHERE \"IndexID\" = NEW.\"IndexID\"; END IF; "
+            "IF OLD.\"FilePath\"::text IS DISTINCT FROM NEW.\"FilePath\"::text THEN UPDATE \"SoftCopy\" "
+            "SET \"ReadState\" = 'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE \"IndexID\" = "
+            "NEW.\"IndexID\"; END IF; RETURN NEW; END $$"),
+        QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsInsert\" AFTER INSERT ON \"Vorlane\" FOR EACH ROW "
+                       "EXECUTE FUNCTION \"SoftCopyFollows\"()"),
         QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsDelete\" AFTER DELETE ON \"Vorlane\" FOR EACH ROW "
                        "EXECUTE FUNCTION \"SoftCopyFollows\"()"),
-        QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsPath\" AFTER UPDATE OF \"FilePath\" ON "
-                       "\"Vorlane\" FOR EACH ROW WHEN (OLD.\"FilePath\"::text IS DISTINCT FROM "
-                       "NEW.\"FilePath\"::text) EXECUTE FUNCTION \"SoftCopyFollows\"()")};
+        QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsUpdate\" AFTER UPDATE OF \"FilePath\", \"DocDate\" "
+                       "ON \"Vorlane\" FOR EACH ROW EXECUTE FUNCTION \"SoftCopyFollows\"()"),
+        QStringLiteral("CREATE INDEX \"ixSoftCopyQueue\" ON \"SoftCopy\" (\"ReadState\", \"DocDate\", "
+                       "\"IndexID\")")};
 }
 
 // The extensions, the tables of the schema, their indexes and the triggers.
@@ -94,8 +106,11 @@ QStringList laterStatements(PostgresEngine& engine) {
     for (int i = 0; i < later.size(); ++i)
         if (present.value(i + 1).toInt() == 0)
             out << createTable(*later[i]) << indexStatements(*later[i]);
+    // The documents of before come waiting, as a new one does.
     if (!out.isEmpty())
-        out << followStatements();
+        out << followStatements()
+            << QStringLiteral("INSERT INTO \"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") SELECT "
+                              "\"IndexID\", \"DocDate\", 'waiting' FROM \"Vorlane\" ON CONFLICT DO NOTHING");
     return out;
 }
 

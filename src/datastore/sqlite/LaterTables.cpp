@@ -9,8 +9,12 @@ namespace db {
 
 namespace {
 
+const char* const FollowInsert = "SoftCopyFollowsInsert";
 const char* const FollowDelete = "SoftCopyFollowsDelete";
 const char* const FollowPath = "SoftCopyFollowsPath";
+const char* const FollowDate = "SoftCopyFollowsDate";
+const char* const Queue = "ixSoftCopyQueue";
+const char* const FollowNames[] = {FollowInsert, FollowDelete, FollowPath, FollowDate, Queue};
 
 bool run(sqlite3* handle, const QString& sql) {
     return sqlite3_exec(handle, sql.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
@@ -35,9 +39,9 @@ QList<std::pair<QString, QString>> parts() {
     for (const Table& t : schema())
         if (t.addedLater)
             out.append({t.name, createTableStatement(t)});
-    const QStringList triggers = followStatements();
-    out.append({QString::fromLatin1(FollowDelete), triggers[0]});
-    out.append({QString::fromLatin1(FollowPath), triggers[1]});
+    const QStringList follow = followStatements();
+    for (int i = 0; i < follow.size(); ++i)
+        out.append({QString::fromLatin1(FollowNames[i]), follow[i]});
     return out;
 }
 
@@ -51,6 +55,10 @@ bool allPresent(sqlite3* handle) {
 QStringList followStatements() {
     // The path compares as written: another letter case may name another file.
     return {
+        QStringLiteral("CREATE TRIGGER \"%1\" AFTER INSERT ON \"Vorlane\" BEGIN INSERT OR IGNORE INTO "
+                       "\"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") VALUES (new.\"IndexID\", "
+                       "new.\"DocDate\", 'waiting'); END")
+            .arg(QString::fromLatin1(FollowInsert)),
         QStringLiteral("CREATE TRIGGER \"%1\" AFTER DELETE ON \"Vorlane\" BEGIN DELETE FROM \"SoftCopy\" "
                        "WHERE \"IndexID\" = old.\"IndexID\"; END")
             .arg(QString::fromLatin1(FollowDelete)),
@@ -58,7 +66,13 @@ QStringList followStatements() {
                        "old.\"FilePath\" COLLATE BINARY IS NOT new.\"FilePath\" BEGIN UPDATE \"SoftCopy\" "
                        "SET \"ReadState\" = 'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE "
                        "\"IndexID\" = new.\"IndexID\"; END")
-            .arg(QString::fromLatin1(FollowPath))};
+            .arg(QString::fromLatin1(FollowPath)),
+        QStringLiteral(
+            "CREATE TRIGGER \"%1\" AFTER UPDATE OF \"DocDate\" ON \"Vorlane\" BEGIN UPDATE "
+            "\"SoftCopy\" SET \"DocDate\" = new.\"DocDate\" WHERE \"IndexID\" = new.\"IndexID\"; END")
+            .arg(QString::fromLatin1(FollowDate)),
+        QStringLiteral("CREATE INDEX \"%1\" ON \"SoftCopy\" (\"ReadState\", \"DocDate\", \"IndexID\")")
+            .arg(QString::fromLatin1(Queue))};
 }
 
 bool openLaterTables(sqlite3* handle) {
@@ -71,8 +85,14 @@ bool openLaterTables(sqlite3* handle) {
         return false;
     bool made = true;
     for (const auto& [name, statement] : parts())
-        if (made && !exists(handle, name))
+        if (made && !exists(handle, name)) {
             made = run(handle, statement);
+            // The documents of before come waiting, as a new one does.
+            if (made && name == QLatin1String(FollowInsert))
+                made = run(handle, QStringLiteral("INSERT OR IGNORE INTO \"SoftCopy\" (\"IndexID\", "
+                                                  "\"DocDate\", \"ReadState\") SELECT \"IndexID\", "
+                                                  "\"DocDate\", 'waiting' FROM \"Vorlane\""));
+        }
     made = made && run(handle, QStringLiteral("COMMIT"));
     if (!made)
         run(handle, QStringLiteral("ROLLBACK"));

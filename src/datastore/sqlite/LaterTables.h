@@ -14,8 +14,10 @@ struct Table;
 // The Create Table statement of `t` in the embedded file (SqliteSchema.cpp).
 QString createTableStatement(const Table& t);
 
-// The triggers on Vorlane: deleting a document deletes its soft copy's row, and changing its path
-// makes that row wait to be read again. Every writer of the file keeps this, whatever its version.
+// The triggers on Vorlane that keep each document's soft copy row: a new document brings it,
+// waiting; deleting a document deletes it; changing the path makes it wait to be read again, and
+// changing the date carries the date over. Then the index of the waiting, newest first. Every
+// writer of the file keeps this, whatever its version.
 QStringList followStatements();
 
 // Makes sure the database of `handle` has every later table and the triggers: a database made

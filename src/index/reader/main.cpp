@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <new>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -31,6 +32,8 @@ void cpuTimeSpent(int /*signal*/) {
 }
 
 void limitSelf(qint64 memoryMb, qint64 cpuSeconds) {
+    // A seat that dies takes its reader along: no reading goes on for nobody.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     setpriority(PRIO_PROCESS, 0, 19);
 #ifndef VORLANE_NO_ADDRESS_LIMIT // AddressSanitizer reserves terabytes of address space for itself
     const rlim_t bytes = rlim_t(memoryMb) << 20;
