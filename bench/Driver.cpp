@@ -183,12 +183,30 @@ void searchSteps() {
     screen.Unload();
 }
 
+// The reading of soft copies in the background, when asked for.
+struct {
+    bool on = false;
+    int stored = 0;
+    bool idle = false;
+} background;
+
+// The main window reads the soft copies that wait, as after a login.
+void startReading() {
+    SoftCopyWork& work = MDI::instance().softCopyWork();
+    work.reader().setHelper(QStringLiteral(VORLANE_READER));
+    QObject::connect(&work, &SoftCopyWork::stored, [] { ++background.stored; });
+    QObject::connect(&work, &SoftCopyWork::idle, [] { background.idle = true; });
+    MDI::instance().startSoftCopyReading();
+}
+
 void run(int documents) {
     auto& form = frmIndexDocument::instance();
     MDI::setOnEnd([] {});
     wireScreens();
     MDI::instance().Show();
     MDI::instance().window()->resize(1024, 720);
+    if (background.on)
+        startReading();
     form.Show();
     QCoreApplication::processEvents();
     expectNoMessage("opening the screen");
@@ -267,22 +285,12 @@ int driveScreen(int& argc, char** argv, int documents, const QString& folder, bo
     platform::test::setSettingsFolder(QDir(folder).filePath(QStringLiteral("settings")));
     Session::CurrentUserID = 1;
     Session::UserRights = QStringLiteral("Modify");
-    // The soft copies that wait are read in the background while the steps run, as on a seat.
-    std::optional<SoftCopyWork> work;
-    int stored = 0;
-    if (reading) {
-        work.emplace(QStringLiteral("bench"));
-        work->reader().setHelper(QStringLiteral(VORLANE_READER));
-        QObject::connect(&*work, &SoftCopyWork::stored, [&stored] { ++stored; });
-        work->start();
-    }
+    background.on = reading;
     try {
         run(documents);
-        if (work) {
-            // How much was read, and whether the reading went on to the end of the steps.
-            std::printf("background %d %d\n", stored, work->isRunning() ? 1 : 0);
-            work->stop();
-        }
+        // How much was read, and whether documents still waited at the end of the steps.
+        if (reading)
+            std::printf("background %d %d\n", background.stored, background.idle ? 0 : 1);
     } catch (const StepFailed& f) {
         std::printf("fail %s\n", qPrintable(f.what.simplified()));
         return 1;

@@ -12,7 +12,7 @@
 namespace bench {
 
 // `folder` is the program folder holding Database/Vorlane.mdb with `documents` documents. With
-// `reading`, the soft copies that wait are read in the background meanwhile, and a last line
+// `reading`, the main window reads the soft copies that wait in the background meanwhile, and a last line
 // tells how many were stored and whether the reading still ran at the end:
 //   background <stored> <1|0>
 // Returns the process's exit code: 0 when every step did what it should.

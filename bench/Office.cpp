@@ -550,8 +550,8 @@ void insertDocuments(Database& db, Random& random, int documents, const Tree& tr
                      const HardCopyFiles& files) {
     sqlite3_stmt* row = db.prepare("insert into Vorlane values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, 1)");
     // Every soft copy has been read, as the file was a while after the document was entered.
-    sqlite3_stmt* soft = db.prepare("insert into SoftCopy(IndexID, ReadPath, FileSize, FileTime, ReadState, "
-                                    "SoftText) values(?, ?, ?, ?, 'read', ?)");
+    sqlite3_stmt* soft = db.prepare("insert into SoftCopy(IndexID, DocDate, ReadPath, FileSize, FileTime, "
+                                    "ReadState, SoftText) values(?, ?, ?, ?, ?, 'read', ?)");
     const int first = daysOf(FirstDocDate);
     const int span = daysOf(LastDocDate) - first;
     for (int id = 1; id <= documents; ++id) {
@@ -592,12 +592,13 @@ void insertDocuments(Database& db, Random& random, int documents, const Tree& tr
         db.step(row);
 
         sqlite3_bind_int(soft, 1, id);
-        bindText(soft, 2, path);
-        bindText(soft, 3, std::to_string(random.between(20000, 900000)));
-        bindText(soft, 4,
+        bindText(soft, 2, docDate);
+        bindText(soft, 3, path);
+        bindText(soft, 4, std::to_string(random.between(20000, 900000)));
+        bindText(soft, 5,
                  isoDate(first + entered + 1) + "T" + number(random.between(7, 18), 2) + ":" +
                      number(random.below(60), 2) + ":" + number(random.below(60), 2) + ".000");
-        bindText(soft, 5, softText(id, date, t1));
+        bindText(soft, 6, softText(id, date, t1));
         db.step(soft);
     }
 }
