@@ -260,22 +260,24 @@ void run(int documents) {
 
 } // namespace
 
-int driveScreen(int& argc, char** argv, int documents, const QString& folder, bool reading) {
+int driveScreen(int& argc, char** argv, int documents, const QString& folder, bool reading, bool onServer) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    // unixODBC knows no data source here, so the screen opens the office's embedded file
-    // whatever the user's own odbc.ini says.
-    const QString odbc = QDir(folder).filePath(QStringLiteral("odbc"));
-    QDir().mkpath(odbc);
-    for (const char* name : {"odbc.ini", "odbcinst.ini"}) {
-        QFile file(QDir(odbc).filePath(QLatin1String(name)));
-        if (!file.open(QIODevice::WriteOnly)) {
-            std::printf("fail cannot write %s\n", qPrintable(file.fileName()));
-            return 1;
+    // Off the server, unixODBC knows no data source here, so the screen opens the office's
+    // embedded file whatever the user's own odbc.ini says.
+    if (!onServer) {
+        const QString odbc = QDir(folder).filePath(QStringLiteral("odbc"));
+        QDir().mkpath(odbc);
+        for (const char* name : {"odbc.ini", "odbcinst.ini"}) {
+            QFile file(QDir(odbc).filePath(QLatin1String(name)));
+            if (!file.open(QIODevice::WriteOnly)) {
+                std::printf("fail cannot write %s\n", qPrintable(file.fileName()));
+                return 1;
+            }
         }
+        qputenv("ODBCINI", QFile::encodeName(QDir(odbc).filePath(QStringLiteral("odbc.ini"))));
+        qputenv("ODBCSYSINI", QFile::encodeName(odbc));
     }
-    qputenv("ODBCINI", QFile::encodeName(QDir(odbc).filePath(QStringLiteral("odbc.ini"))));
-    qputenv("ODBCSYSINI", QFile::encodeName(odbc));
     QApplication app(argc, argv);
     // No window, message box or dialog of the platform appears, and no setting of the user's
     // own is read or written.

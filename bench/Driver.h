@@ -15,7 +15,9 @@ namespace bench {
 // `reading`, the main window reads the soft copies that wait in the background meanwhile, and a last line
 // tells how many were stored and whether the reading still ran at the end:
 //   background <stored> <1|0>
+// With `onServer`, the screens run on the data source "Vorlane" that the environment's odbc.ini
+// names, else on the embedded file of `folder`.
 // Returns the process's exit code: 0 when every step did what it should.
-int driveScreen(int& argc, char** argv, int documents, const QString& folder, bool reading);
+int driveScreen(int& argc, char** argv, int documents, const QString& folder, bool reading, bool onServer);
 
 } // namespace bench

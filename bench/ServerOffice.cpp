@@ -27,6 +27,17 @@ std::unique_ptr<db::Engine> open() {
     return db::openOdbcSource(Source, GenMod::DataSourceUser, GenMod::DataSourcePassword);
 }
 
+// Runs statements in one session of psql, as written: a failure throws.
+QByteArray runPsql(const QString& statements) {
+    const Run run = runProgram(
+        psqlCommand(QStringLiteral("SET client_min_messages = error; SET maintenance_work_mem = '512MB'; ") +
+                    statements),
+        true);
+    if (!run.ok())
+        throw failure(QStringLiteral("psql failed on: %1").arg(statements));
+    return run.output;
+}
+
 // Empties the database when it holds nothing or an earlier office of the benchmark.
 void emptyDatabase() {
     const auto engine = open();
@@ -41,6 +52,12 @@ void emptyDatabase() {
                           .arg(Source));
     for (const auto& row : tables.values)
         engine->execute(QStringLiteral("DROP TABLE IF EXISTS \"%1\" CASCADE").arg(row.first().toString()));
+    // So are the functions of the triggers; those of the extensions stay.
+    runPsql(QStringLiteral(
+        "DO $$ DECLARE f regprocedure; BEGIN FOR f IN SELECT p.oid::regprocedure FROM pg_proc p WHERE "
+        "p.pronamespace = current_schema()::regnamespace AND NOT EXISTS (SELECT 1 FROM pg_depend d WHERE "
+        "d.objid = p.oid AND d.deptype = 'e') LOOP EXECUTE 'DROP FUNCTION ' || f || ' CASCADE'; END LOOP; "
+        "END $$"));
 }
 
 // Copies the rows of `table` from the file to the server: the sqlite3 shell writes them as CSV,
@@ -57,15 +74,6 @@ void copyTable(const QString& database, const QString& table) {
     const bool done = reader.waitForFinished(-1) && writer.waitForFinished(-1);
     if (!done || reader.exitCode() != 0 || writer.exitCode() != 0)
         throw failure(QStringLiteral("copying the table %1 to the server failed").arg(table));
-}
-
-// Runs statements in one session of psql, as written: a failure throws.
-QByteArray runPsql(const QString& statements) {
-    const Run run =
-        runProgram(psqlCommand(QStringLiteral("SET maintenance_work_mem = '512MB'; ") + statements), true);
-    if (!run.ok())
-        throw failure(QStringLiteral("psql failed on: %1").arg(statements));
-    return run.output;
 }
 
 } // namespace

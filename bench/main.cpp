@@ -151,6 +151,16 @@ QString shellFailure(const bench::Run& run, const char* what) {
     return {};
 }
 
+// The screens' process on the office of the run, or on the server, with the reading or without.
+QStringList screenCommand(int documents, const QString& runFolder, bool reading) {
+    QStringList command{selfPath(), QStringLiteral("--one"), QString::number(documents), runFolder};
+    if (reading)
+        command << QStringLiteral("--reading");
+    if (onServer)
+        command << QStringLiteral("--server");
+    return command;
+}
+
 // Makes the office if needed, copies it for this run (the screen saves into it), and runs the
 // sqlite3 shell and the screen on the copy, on a warm cache.
 SizeResult measure(int documents, const QString& dataFolder, QStringList& failures) {
@@ -212,8 +222,7 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
     }
 
     r.shellList = runShell(database, QString::fromLatin1(ListStatement));
-    const bench::Run screen =
-        bench::runProgram({selfPath(), QStringLiteral("--one"), QString::number(documents), runFolder}, true);
+    const bench::Run screen = bench::runProgram(screenCommand(documents, runFolder, false), true);
     r.screen = parseScreen(screen);
     // The row that the screen loaded; the last one entered if it loaded none.
     const QByteArray key = r.screen.key.isEmpty() ? QByteArray::number(documents) : r.screen.key;
@@ -233,10 +242,7 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
     }
 
     // The same steps while the waiting soft copies are read; the first run saved a new document.
-    r.reading =
-        parseScreen(bench::runProgram({selfPath(), QStringLiteral("--one"), QString::number(documents + 1),
-                                       runFolder, QStringLiteral("--reading")},
-                                      true));
+    r.reading = parseScreen(bench::runProgram(screenCommand(documents + 1, runFolder, true), true));
     for (const QString& f : std::as_const(r.reading.failures))
         failures << QStringLiteral("%1 documents, reading: %2").arg(thousands(documents), f);
 
@@ -487,8 +493,10 @@ int main(int argc, char** argv) {
     }();
 
     // The two parts that run in processes of their own.
-    if ((args.size() == 3 || args.size() == 4) && args[0] == QLatin1String("--one"))
-        return bench::driveScreen(argc, argv, args[1].toInt(), args[2], args.size() == 4);
+    if (args.size() >= 3 && args[0] == QLatin1String("--one"))
+        return bench::driveScreen(argc, argv, args[1].toInt(), args[2],
+                                  args.contains(QLatin1String("--reading")),
+                                  args.contains(QLatin1String("--server")));
     if (args.size() == 3 && args[0] == QLatin1String("--reading-speed"))
         return bench::readingSpeed(argc, argv, args[1], args[2].toInt());
     if (args.size() == 4 && args[0] == QLatin1String("--soft-copies")) {
