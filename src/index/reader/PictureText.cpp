@@ -81,7 +81,7 @@ QString Ocr::read(const QImage& image, int dpi) {
     if (dpi > 0)
         t->setSourceResolution(m_api, dpi);
     char* const text = t->text(m_api);
-    const QString out = text ? QString::fromUtf8(text) : QString();
+    QString out = text ? QString::fromUtf8(text) : QString();
     t->deleteText(text);
     return out;
 }
