@@ -118,10 +118,7 @@ void frmSearchDocument::buildCriteria(QWidget* w, QGridLayout* grid, QList<QWidg
         row(*label, caption, made, r++, 1);
         order << made;
     }
-    // The text of the soft copy, beside the file number, after the four texts typed by hand.
-    auto* softCopyText = ui.txtSoftCopyText.make(w);
-    row(ui.lblSoftCopyText, "Soft Copy Text :", softCopyText, r, 1);
-    order << softCopyText;
+    const int softCopyRow = r;
     r = 5;
     for (auto [fromLabel, fromCaption, from, toLabel, to] :
          {std::tuple{&ui.lblDocDate, "Doc. Date between :", &ui.dtpDocFrom, &ui.lblDocDateTo, &ui.dtpDocTo},
@@ -135,6 +132,12 @@ void frmSearchDocument::buildCriteria(QWidget* w, QGridLayout* grid, QList<QWidg
         row(*toLabel, "and :", second, r++, 1);
         order << first << second;
     }
+    // The text of the soft copy, beside the file number, after the four texts typed by hand; the
+    // keyboard reaches it after the eleven criteria of before, which keep their order (made after
+    // them, so that the date pickers' parts keep their places in the focus chain).
+    auto* softCopyText = ui.txtSoftCopyText.make(w);
+    row(ui.lblSoftCopyText, "Soft Copy Text :", softCopyText, softCopyRow, 1);
+    order << softCopyText;
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);
 

@@ -77,7 +77,7 @@ QList<Expected> table() {
         "Date/Bookmark/Remark/File No./[File Path]; lstList.tip=Double click a record to quickly view its "
         "contents",
         "cboDocType cboDocCategory cboDocSubCategory cboDocChildCategory cboFileNo txtTitle1 txtTitle2 "
-        "txtBookmark txtRemarks txtSoftCopyText dtpDocFrom dtpDocTo dtpFollowUpFrom dtpFollowUpTo cmdSearch "
+        "txtBookmark txtRemarks dtpDocFrom dtpDocTo dtpFollowUpFrom dtpFollowUpTo txtSoftCopyText cmdSearch "
         "lstList "
         "cmd(0) cmd(1) cmd(2)");
     add("ImgDocType", frmDocType::instance(), "Document Type", "lstType",

@@ -4,6 +4,8 @@
 #include "support/SoftCopySamples.h"
 
 #include <QImage>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -56,6 +58,26 @@ void tst_SoftCopyReader::initTestCase() {
         "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[]/Count 0>> "
         "endobj\n3 0 obj <</Filter/Standard/V 1/R 2/O" +
             key + "/U" + key + "/P -4>> endobj\ntrailer <</Root 1 0 R/Encrypt 3 0 R/Size 4>>\n%%EOF\n");
+    {
+        // Two thousand pages of text, the last one's word read too; and scanned pages that need more
+        // processor time than the reader may use.
+        QPdfWriter writer(path(QStringLiteral("long.pdf")));
+        QPainter painter(&writer);
+        for (int page = 1; page <= 2000; ++page) {
+            if (page > 1)
+                writer.newPage();
+            painter.drawText(QPointF(300, 600),
+                             page == 2000 ? QStringLiteral("Epilogue") : QString::number(page));
+        }
+        QPdfWriter scans(path(QStringLiteral("scans.pdf")));
+        QPainter scanned(&scans);
+        for (int page = 1; page <= 40; ++page) {
+            if (page > 1)
+                scans.newPage();
+            scanned.drawImage(QRect(0, 0, scans.width(), scans.width() * 3 / 14),
+                              testsupport::wordsPicture(QStringLiteral("PAGE %1").arg(page)));
+        }
+    }
     QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("folder.pdf")));
     QCOMPARE(mkfifo(path(QStringLiteral("hang.txt")).toLocal8Bit().constData(), 0600), 0);
     for (const char* signal : {"SEGV", "KILL"}) {
@@ -84,6 +106,9 @@ void tst_SoftCopyReader::read_data() {
     row("xlsx", "sales.xlsx", State::Read, "Invoice\n4711");
     row("odt", "minutes.odt", State::Read, "Parliament  minutes");
     row("latin-1 text", "note.txt", State::Read, "Crocodile café");
+    row("2,000 pages", "long.pdf", State::Read, "Epilogue");
+    row("scans beyond the time", "scans.pdf", State::Unreadable, "processor time",
+        {QStringLiteral("--cpu-seconds=1")});
     row("damaged pdf", "damaged.pdf", State::Unreadable, "damaged");
     row("locked pdf", "locked.pdf", State::Unreadable, "password");
     row("zip bomb", "bomb.docx", State::Unreadable, "unpacks to more than 1 MB",

@@ -11,6 +11,7 @@
 #include "classification/frmFile.h"
 #include "datastore/Ado.h"
 #include "datastore/Schema.h"
+#include "index/SoftCopyWork.h"
 #include "platform/Controls.h"
 #include "platform/TestHooks.h"
 #include "reports/ReportDesigns.h"
@@ -19,6 +20,7 @@
 #include "session/GenMod.h"
 #include "session/Session.h"
 #include "support/ReportSamples.h"
+#include "support/SoftCopySamples.h"
 
 #include <QApplication>
 #include <QDir>
@@ -192,12 +194,17 @@ bool writeScreens(const QDir& folder) {
         c->Execute(QStringLiteral("insert into File values(%1,'%2','%3',1)")
                        .arg(i + 1)
                        .arg(numbers[i], particulars[i]));
-    // A scanned letter whose words only its soft copy holds, found by the search screen.
-    c->Execute("insert into Vorlane values(1,'2024-03-14','2024-04-01',1,1,10,100,'Letter',"
-               "'Harbour office','/srv/scans/letter-0314.pdf',1,'Tray 2','',1)");
-    c->Execute("insert into SoftCopy (IndexID, ReadState, SoftText) values (1, 'read', "
-               "'Dear Sir, the lease of the ground floor office ends on 30 June.')");
+    // A scanned letter whose words only the picture of its page holds, read through OCR as the
+    // background reading does, then found by the search screen.
+    const QString scan = folder.filePath(QStringLiteral("letter-0314.pdf"));
+    testsupport::writePdf(scan, QStringLiteral("LEASE OF THE GROUND FLOOR"), true);
+    c->Execute(QStringLiteral("insert into Vorlane values(1,'2024-03-14','2024-04-01',1,1,10,100,'Letter',"
+                              "'Harbour office','%1',1,'Tray 2','',1)")
+                   .arg(scan));
     c.reset();
+    SoftCopyWork reading(QStringLiteral("samples"));
+    reading.reader().setHelper(QStringLiteral(VORLANE_READER));
+    reading.readWaiting();
 
     MDI::setOnEnd([] {});
     wireScreens();
