@@ -1,8 +1,10 @@
 #include "Driver.h"
 
+#include "Office.h"
 #include "Process.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
+#include "index/SoftCopyWork.h"
 #include "index/frmIndexDocument.h"
 #include "index/frmSearchDocument.h"
 #include "platform/Controls.h"
@@ -115,8 +117,9 @@ void save(const char* step) {
 }
 
 // Presses Search with the criteria set, and times the first rows and the whole list as Edit's
-// are timed. The statement goes to the parent, which runs it in the sqlite3 shell.
-void timeSearch(const char* step, const std::function<void()>& criteria) {
+// are timed. The statement goes to the parent, which runs it in the sqlite3 shell; with `keys`,
+// so do the keys of the rows found, which the parent compares with the shell's.
+void timeSearch(const char* step, const std::function<void()>& criteria, bool keys = false) {
     auto& screen = frmSearchDocument::instance();
     screen.ResetSearchForm();
     criteria();
@@ -140,6 +143,12 @@ void timeSearch(const char* step, const std::function<void()>& criteria) {
                paints.peakAtFirstWithRows);
     report((name + "-whole").constData(), millisecondsSince(pressed, ready));
     std::printf("rows %s %d\n", step, list->ListCount());
+    if (keys) {
+        std::printf("keys %s", step);
+        for (int i = 0; i < list->ListCount(); ++i)
+            std::printf(" %s", qPrintable(list->itemText(i, 0)));
+        std::printf("\n");
+    }
     std::printf("statement %s %s\n", step, qPrintable(screen.BuildSearchStatement()));
     std::fflush(stdout);
 }
@@ -164,7 +173,30 @@ void searchSteps() {
     // A number in the first title: a few rows in a thousand at most.
     timeSearch("search-contains",
                [&screen] { control<QLineEdit>("txtTitle1", screen)->setText(QStringLiteral("4471")); });
+    // A name in the soft copies' texts: one document in a thousand.
+    timeSearch(
+        "search-softcopy",
+        [&screen] {
+            control<QLineEdit>("txtSoftCopyText", screen)->setText(QString::fromLatin1(RareWords[0].word));
+        },
+        true);
     screen.Unload();
+}
+
+// The reading of soft copies in the background, when asked for.
+struct {
+    bool on = false;
+    int stored = 0;
+    bool idle = false;
+} background;
+
+// The main window reads the soft copies that wait, as after a login.
+void startReading() {
+    SoftCopyWork& work = MDI::instance().softCopyWork();
+    work.reader().setHelper(QStringLiteral(VORLANE_READER));
+    QObject::connect(&work, &SoftCopyWork::stored, [] { ++background.stored; });
+    QObject::connect(&work, &SoftCopyWork::idle, [] { background.idle = true; });
+    MDI::instance().startSoftCopyReading();
 }
 
 void run(int documents) {
@@ -173,6 +205,8 @@ void run(int documents) {
     wireScreens();
     MDI::instance().Show();
     MDI::instance().window()->resize(1024, 720);
+    if (background.on)
+        startReading();
     form.Show();
     QCoreApplication::processEvents();
     expectNoMessage("opening the screen");
@@ -226,22 +260,24 @@ void run(int documents) {
 
 } // namespace
 
-int driveScreen(int& argc, char** argv, int documents, const QString& folder) {
+int driveScreen(int& argc, char** argv, int documents, const QString& folder, bool reading, bool onServer) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    // unixODBC knows no data source here, so the screen opens the office's embedded file
-    // whatever the user's own odbc.ini says.
-    const QString odbc = QDir(folder).filePath(QStringLiteral("odbc"));
-    QDir().mkpath(odbc);
-    for (const char* name : {"odbc.ini", "odbcinst.ini"}) {
-        QFile file(QDir(odbc).filePath(QLatin1String(name)));
-        if (!file.open(QIODevice::WriteOnly)) {
-            std::printf("fail cannot write %s\n", qPrintable(file.fileName()));
-            return 1;
+    // Off the server, unixODBC knows no data source here, so the screen opens the office's
+    // embedded file whatever the user's own odbc.ini says.
+    if (!onServer) {
+        const QString odbc = QDir(folder).filePath(QStringLiteral("odbc"));
+        QDir().mkpath(odbc);
+        for (const char* name : {"odbc.ini", "odbcinst.ini"}) {
+            QFile file(QDir(odbc).filePath(QLatin1String(name)));
+            if (!file.open(QIODevice::WriteOnly)) {
+                std::printf("fail cannot write %s\n", qPrintable(file.fileName()));
+                return 1;
+            }
         }
+        qputenv("ODBCINI", QFile::encodeName(QDir(odbc).filePath(QStringLiteral("odbc.ini"))));
+        qputenv("ODBCSYSINI", QFile::encodeName(odbc));
     }
-    qputenv("ODBCINI", QFile::encodeName(QDir(odbc).filePath(QStringLiteral("odbc.ini"))));
-    qputenv("ODBCSYSINI", QFile::encodeName(odbc));
     QApplication app(argc, argv);
     // No window, message box or dialog of the platform appears, and no setting of the user's
     // own is read or written.
@@ -251,8 +287,12 @@ int driveScreen(int& argc, char** argv, int documents, const QString& folder) {
     platform::test::setSettingsFolder(QDir(folder).filePath(QStringLiteral("settings")));
     Session::CurrentUserID = 1;
     Session::UserRights = QStringLiteral("Modify");
+    background.on = reading;
     try {
         run(documents);
+        // How much was read, and whether documents still waited at the end of the steps.
+        if (reading)
+            std::printf("background %d %d\n", background.stored, background.idle ? 0 : 1);
     } catch (const StepFailed& f) {
         std::printf("fail %s\n", qPrintable(f.what.simplified()));
         return 1;

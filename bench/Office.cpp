@@ -1,5 +1,7 @@
 #include "Office.h"
 
+#include "Random.h"
+
 #include "datastore/Schema.h"
 #include "platform/Error.h"
 #include "session/GenMod.h"
@@ -18,25 +20,6 @@
 namespace bench {
 
 namespace {
-
-// splitmix64: small, fast, and the same sequence on every machine and library.
-class Random {
-  public:
-    explicit Random(std::uint64_t seed) : m_state(seed) {}
-    std::uint64_t next() {
-        std::uint64_t z = (m_state += 0x9e3779b97f4a7c15ULL);
-        z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9ULL;
-        z = (z ^ (z >> 27)) * 0x94d049bb133111ebULL;
-        return z ^ (z >> 31);
-    }
-    int below(int n) { return int(next() % std::uint64_t(n)); }
-    int between(int low, int high) { return low + below(high - low + 1); }
-    bool perMille(int chance) { return below(1000) < chance; }
-    template <class T, std::size_t N> const T& pick(const std::array<T, N>& items) { return items[below(N)]; }
-
-  private:
-    std::uint64_t m_state;
-};
 
 // Days since 1970-01-01 of a civil date, and back.
 int daysFromCivil(int y, int m, int d) {
@@ -448,11 +431,127 @@ int documentType(Random& random) {
     return 1;
 }
 
+// The sentences of the soft copies' texts. In each, {C} is a company, {P} a person, {S} a
+// subject, {M} a month, {Y} a year, {A} an amount and {N} a number.
+const std::array<const char*, 36> TextSentences{
+    "Thank you for your letter of {M} concerning the {S}.",
+    "We enclose our invoice number {N} for the work carried out in {M} {Y}.",
+    "The total amount due is {A}, payable within thirty days of the date of this letter.",
+    "Please quote the reference {N} on all correspondence and payments.",
+    "Our records show that the balance of {A} remains outstanding.",
+    "If you have already made this payment, please disregard this reminder.",
+    "We would be grateful if you could confirm the arrangements for the {S} by the end of {M}.",
+    "The agreement with {C} runs for a further twelve months from the first of {M}.",
+    "Any change to the terms must be agreed in writing by both parties.",
+    "{P} will visit your office to discuss the {S} and answer any questions.",
+    "The attached schedule lists the items delivered and the prices agreed.",
+    "Goods remain the property of {C} until paid for in full.",
+    "We regret to inform you that the delivery planned for {M} has been delayed.",
+    "A credit note for {A} has been issued against invoice {N}.",
+    "The premium for the coming year has been set at {A}, an increase on last year.",
+    "Please check the details below and tell us at once if anything is incorrect.",
+    "The inspection found no defects that need attention before the next review.",
+    "Copies of this letter have been sent to {P} and to the accounts department.",
+    "The meeting on the {S} will take place at our offices in {M}.",
+    "We have received your claim and will reply within fourteen working days.",
+    "The account number {N} should be used for all transfers to {C}.",
+    "Interest will be charged on late payments at the rate stated in the contract.",
+    "This statement covers all transactions between the first and the last day of {M}.",
+    "The signed copy should be returned to {P} in the envelope provided.",
+    "Following our conversation, we confirm the revised price of {A}.",
+    "The certificate remains valid for two years from the date of issue.",
+    "Our engineer will call to carry out the {S} on a date to be agreed.",
+    "Please keep this document in a safe place; it may be needed for your tax return.",
+    "The report on the {S} was presented to the board in {M} {Y}.",
+    "Receipt is hereby acknowledged of the sum of {A} from {C}.",
+    "We apologise for any inconvenience this may have caused.",
+    "The new terms apply to all orders placed after the end of {M}.",
+    "Should you wish to discuss this matter further, please contact {P} directly.",
+    "The figures for {Y} show a small rise in costs compared with the year before.",
+    "Payment was received in full on the date shown and the account is now closed.",
+    "Delivery will be made to the address given on your order number {N}."};
+const std::array<const char*, 12> Streets{"Station Road", "High Street",   "Mill Lane",     "Church Street",
+                                          "Park Avenue",  "Victoria Road", "Market Square", "Queen Street",
+                                          "Bridge Road",  "King's Parade", "Harbour Walk",  "Orchard Close"};
+const std::array<const char*, 12> Towns{"Ashbury",     "Bramford",  "Carlton",  "Dunmore",
+                                        "Eastleigh",   "Fairhaven", "Glenwood", "Hartfield",
+                                        "Kingsbridge", "Longford",  "Milbrook", "Northgate"};
+const std::array<const char*, 6> Roles{"Accounts Manager",  "Office Manager", "Director",
+                                       "Customer Services", "Claims Handler", "Sales Manager"};
+
+std::string amount(Random& random) {
+    return "EUR " + std::to_string(random.between(12, 48000)) + "." + number(random.below(100), 2);
+}
+
+std::string fillSentence(Random& random, const char* sentence, const Civil& date) {
+    std::string out;
+    for (const char* c = sentence; *c; ++c) {
+        if (*c != '{' || !c[1] || c[2] != '}') {
+            out += *c;
+            continue;
+        }
+        switch (c[1]) {
+        case 'C':
+            out += random.pick(Companies);
+            break;
+        case 'P':
+            out += random.pick(People);
+            break;
+        case 'S':
+            out += random.pick(Subjects);
+            break;
+        case 'M':
+            out += random.pick(Months);
+            break;
+        case 'Y':
+            out += std::to_string(date.year - random.below(2));
+            break;
+        case 'A':
+            out += amount(random);
+            break;
+        default:
+            out += std::to_string(random.between(10000, 999999));
+            break;
+        }
+        c += 2;
+    }
+    return out;
+}
+
+// The text of a document's soft copy: a letter of about a thousand characters from its sender,
+// with the rare words of its key.
+std::string softText(int id, const Civil& date, const std::string& title) {
+    Random random(0x536f667454657874ULL + std::uint64_t(id));
+    const std::string sender = random.pick(Companies);
+    std::string text = sender + "\n" + std::to_string(random.between(1, 240)) + " " + random.pick(Streets) +
+                       ", " + random.pick(Towns) + "\n\n" + std::to_string(date.day) + " " +
+                       Months[date.month - 1] + " " + std::to_string(date.year) + "\n\n" + title +
+                       "\n\nDear " + random.pick(People) + ",\n\n";
+    std::string planted;
+    for (const RareWord& rare : RareWords)
+        if (id % rare.every == rare.offset)
+            planted += std::string(" For the details, please ask Mr. ") + rare.word + " at the head office.";
+    const std::size_t middle = text.size() + 300;
+    while (text.size() < 860) {
+        if (!planted.empty() && text.size() > middle)
+            text += std::exchange(planted, std::string()).substr(1) + " ";
+        text += fillSentence(random, random.pick(TextSentences), date);
+        text += random.below(4) ? " " : "\n\n";
+    }
+    while (text.back() == ' ' || text.back() == '\n')
+        text.pop_back();
+    return text + "\n\nYours sincerely,\n" + random.pick(People) + "\n" + random.pick(Roles) + ", " + sender +
+           "\n";
+}
+
 // The documents in the order they were entered: IndexID grows with the day of entry, but a
 // document carries its own date, mostly a few weeks before entry and sometimes years.
 void insertDocuments(Database& db, Random& random, int documents, const Tree& tree,
                      const HardCopyFiles& files) {
     sqlite3_stmt* row = db.prepare("insert into Vorlane values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, 1)");
+    // Every soft copy has been read, as the file was a while after the document was entered.
+    sqlite3_stmt* soft = db.prepare("insert into SoftCopy(IndexID, DocDate, ReadPath, FileSize, FileTime, "
+                                    "ReadState, SoftText) values(?, ?, ?, ?, ?, 'read', ?)");
     const int first = daysOf(FirstDocDate);
     const int span = daysOf(LastDocDate) - first;
     for (int id = 1; id <= documents; ++id) {
@@ -491,6 +590,16 @@ void insertDocuments(Database& db, Random& random, int documents, const Tree& tr
         const std::string note = remarks(random);
         bindText(row, 13, note);
         db.step(row);
+
+        sqlite3_bind_int(soft, 1, id);
+        bindText(soft, 2, docDate);
+        bindText(soft, 3, path);
+        bindText(soft, 4, std::to_string(random.between(20000, 900000)));
+        bindText(soft, 5,
+                 isoDate(first + entered + 1) + "T" + number(random.between(7, 18), 2) + ":" +
+                     number(random.below(60), 2) + ":" + number(random.below(60), 2) + ".000");
+        bindText(soft, 6, softText(id, date, t1));
+        db.step(soft);
     }
 }
 
@@ -515,19 +624,19 @@ void generateDatabase(const QString& path, int documents) {
     db.exec("PRAGMA journal_mode=OFF");
     db.exec("PRAGMA synchronous=OFF");
     db.exec("PRAGMA cache_size=-262144");
-    // The indexes of the documents are built once after the rows, as the schema defines them; so
-    // is the contains-search index, whose triggers would otherwise add each row to it.
-    const std::vector<std::string> indexes = db.column(
-        "select sql from sqlite_master where type='index' and tbl_name='Vorlane' and sql is not null");
-    const std::vector<std::string> names = db.column(
-        "select name from sqlite_master where type='index' and tbl_name='Vorlane' and sql is not null");
-    for (const std::string& name : names)
-        db.exec("drop index \"" + name + "\"");
+    // The indexes of the documents and of their soft copies are built once after the rows, as the
+    // schema defines them; so are the contains-search indexes, whose triggers would otherwise add
+    // each row to them.
+    const std::string tables = "tbl_name in ('Vorlane', 'SoftCopy') and sql is not null";
+    const std::vector<std::string> indexes =
+        db.column("select sql from sqlite_master where type='index' and " + tables);
     const std::vector<std::string> triggers =
-        db.column("select sql from sqlite_master where type='trigger' and tbl_name='Vorlane'");
-    const std::vector<std::string> triggerNames =
-        db.column("select name from sqlite_master where type='trigger' and tbl_name='Vorlane'");
-    for (const std::string& name : triggerNames)
+        db.column("select sql from sqlite_master where type='trigger' and " + tables);
+    for (const std::string& name :
+         db.column("select name from sqlite_master where type='index' and " + tables))
+        db.exec("drop index \"" + name + "\"");
+    for (const std::string& name :
+         db.column("select name from sqlite_master where type='trigger' and " + tables))
         db.exec("drop trigger \"" + name + "\"");
 
     Random random(0x566f726c616e65ULL + std::uint64_t(documents));
@@ -539,8 +648,30 @@ void generateDatabase(const QString& path, int documents) {
     for (const std::string& sql : indexes)
         db.exec(sql);
     db.exec("insert into VorlaneText(VorlaneText) values('rebuild')");
+    db.exec("insert into SoftCopyText(SoftCopyText) values('rebuild')");
     for (const std::string& sql : triggers)
         db.exec(sql);
+}
+
+std::string letterText(int number) {
+    // Odd keys: none of them holds a rare word.
+    const int id = 2 * number + 1;
+    return softText(id, civilFromDays(daysOf(FirstDocDate) + id % 7000), "Letter " + std::to_string(number));
+}
+
+void pointNewestAt(const QString& database, const QStringList& paths) {
+    Database db(database);
+    db.exec("BEGIN");
+    const std::vector<std::string> keys =
+        db.column("select IndexID from Vorlane order by DocDate desc, IndexID desc limit " +
+                  std::to_string(paths.size()));
+    sqlite3_stmt* update = db.prepare("update Vorlane set FilePath = ? where IndexID = ?");
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        bindText(update, 1, paths[int(i)].toStdString());
+        sqlite3_bind_int64(update, 2, std::stoll(keys[i]));
+        db.step(update);
+    }
+    db.exec("COMMIT");
 }
 
 QString officeFolder(const QString& dataFolder, int documents) {

@@ -29,7 +29,7 @@ void readAll(int fd, QByteArray* into) {
 
 } // namespace
 
-Run runProgram(const QStringList& command, bool keepOutput) {
+Run runProgram(const QStringList& command, bool keepOutput, bool lowestPriority) {
     Run run;
     if (command.isEmpty()) {
         run.error = QStringLiteral("no program given");
@@ -56,6 +56,8 @@ Run runProgram(const QStringList& command, bool keepOutput) {
     const pid_t pid = ::fork();
     if (pid == 0) {
         ::dup2(keepOutput ? output[1] : devNull, STDOUT_FILENO);
+        if (lowestPriority)
+            ::setpriority(PRIO_PROCESS, 0, 19);
         ::execvp(argv[0], argv.data());
         const int code = errno;
         [[maybe_unused]] const ssize_t written = ::write(failure[1], &code, sizeof code);

@@ -22,8 +22,9 @@ struct Run {
 // Runs `command` (program and arguments; the program is looked up in PATH) and waits for it.
 // Standard output is kept when `keepOutput`, thrown away otherwise; standard error stays ours.
 // A process started by this one counts the memory that this one held at the start as its own
-// peak too, so the caller keeps itself small.
-Run runProgram(const QStringList& command, bool keepOutput);
+// peak too, so the caller keeps itself small. With `lowestPriority`, it runs at the lowest CPU
+// priority, as Vorlane's reader of soft copies does.
+Run runProgram(const QStringList& command, bool keepOutput, bool lowestPriority = false);
 
 // Reads a file once from start to end, so that the runs after it find it in the page cache,
 // and waits until it is on disk, so that no run pays for writing out a fresh copy.

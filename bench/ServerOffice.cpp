@@ -1,5 +1,7 @@
 #include "ServerOffice.h"
 
+#include "Process.h"
+
 #include "datastore/Engine.h"
 #include "datastore/OdbcSource.h"
 #include "datastore/QtSqlEngine.h"
@@ -25,6 +27,17 @@ std::unique_ptr<db::Engine> open() {
     return db::openOdbcSource(Source, GenMod::DataSourceUser, GenMod::DataSourcePassword);
 }
 
+// Runs statements in one session of psql, as written: a failure throws.
+QByteArray runPsql(const QString& statements) {
+    const Run run = runProgram(
+        psqlCommand(QStringLiteral("SET client_min_messages = error; SET maintenance_work_mem = '512MB'; ") +
+                    statements),
+        true);
+    if (!run.ok())
+        throw failure(QStringLiteral("psql failed on: %1").arg(statements));
+    return run.output;
+}
+
 // Empties the database when it holds nothing or an earlier office of the benchmark.
 void emptyDatabase() {
     const auto engine = open();
@@ -39,6 +52,12 @@ void emptyDatabase() {
                           .arg(Source));
     for (const auto& row : tables.values)
         engine->execute(QStringLiteral("DROP TABLE IF EXISTS \"%1\" CASCADE").arg(row.first().toString()));
+    // So are the functions of the triggers; those of the extensions stay.
+    runPsql(QStringLiteral(
+        "DO $$ DECLARE f regprocedure; BEGIN FOR f IN SELECT p.oid::regprocedure FROM pg_proc p WHERE "
+        "p.pronamespace = current_schema()::regnamespace AND NOT EXISTS (SELECT 1 FROM pg_depend d WHERE "
+        "d.objid = p.oid AND d.deptype = 'e') LOOP EXECUTE 'DROP FUNCTION ' || f || ' CASCADE'; END LOOP; "
+        "END $$"));
 }
 
 // Copies the rows of `table` from the file to the server: the sqlite3 shell writes them as CSV,
@@ -92,9 +111,23 @@ void loadServerOffice(const QString& database) {
         engine->execute(QStringLiteral("DELETE FROM \"Logins\""));
     }
     db::idle::clear();
+    // The rows are copied as they are, without the triggers of the documents (a document copied
+    // would make its soft copy's row, which is copied too), and the indexes of the soft copies
+    // are built once after their rows.
+    const QStringList indexes =
+        QString::fromUtf8(runPsql(QStringLiteral("SELECT indexname || '|' || indexdef FROM pg_indexes WHERE "
+                                                 "tablename = 'SoftCopy' AND indexname <> 'SoftCopy_pkey'")))
+            .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QString drop = QStringLiteral("ALTER TABLE \"Vorlane\" DISABLE TRIGGER USER; ");
+    QString create;
+    for (const QString& index : indexes) {
+        drop += QStringLiteral("DROP INDEX \"%1\"; ").arg(index.section(QLatin1Char('|'), 0, 0));
+        create += index.section(QLatin1Char('|'), 1) + QStringLiteral("; ");
+    }
+    runPsql(drop);
     for (const db::Table& table : db::schema())
         copyTable(database, table.name);
-    open()->execute(QStringLiteral("ANALYZE"));
+    runPsql(create + QStringLiteral("ALTER TABLE \"Vorlane\" ENABLE TRIGGER USER; ANALYZE"));
 }
 
 } // namespace bench

@@ -12,7 +12,8 @@ namespace bench {
 bool serverKnown();
 
 // Makes the data source's database hold the office of the embedded file `database`: its tables
-// are made by the set-up routine, the rows copied, and the statistics gathered. Refuses a
+// are made by the set-up routine, the rows copied, and the statistics gathered. psql must reach
+// the server (reachServerWithPsql). Refuses a
 // database holding tables that an earlier run of the benchmark did not make. Throws
 // std::runtime_error.
 void loadServerOffice(const QString& database);

@@ -2,13 +2,17 @@
 // shell running the same statements on the same file, for offices of chosen sizes. With
 // --server, the office is copied into the database of the data source "Vorlane" on a
 // PostgreSQL server, the screens run on it, and psql runs the same statements beside them.
-//   vorlane_bench [--rows 100000,1000000] [--data <folder>] [--server]
+// Each size runs the screens twice: as they are, and while the soft copies of a few hundred
+// documents are read in the background. Before the sizes, it times the reading of soft copies
+// (PDF text and OCR) through vorlane-reader beside pdftotext and tesseract on the same files.
+//   vorlane_bench [--rows 100000,1000000] [--data <folder>] [--server] [--reading-files 24]
 // Exits 0 whatever the times; 1 when a step failed (a wrong row count, a save that did not
 // succeed, a missing sqlite3 shell), 2 on a wrong command line.
 #include "Driver.h"
 #include "Office.h"
 #include "Process.h"
 #include "ServerOffice.h"
+#include "SoftCopyFiles.h"
 #include "datastore/Engine.h"
 #include "datastore/postgres/PostgresDialect.h"
 
@@ -16,8 +20,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLocale>
 #include <QMap>
+#include <QSet>
 #include <cstdio>
 #include <stdexcept>
 
@@ -34,26 +40,42 @@ QString shellName() {
 
 // The shell of the store running one statement of the screens, translated as the data layer
 // translates it for that store.
-bench::Run runShell(const QString& database, const QString& statement) {
+// With `scan`, the server reads every row instead of using an index, as the shell's file does.
+bench::Run runShell(const QString& database, const QString& statement, bool keepOutput = false,
+                    bool scan = false) {
     if (onServer)
-        return bench::runProgram(bench::psqlCommand(db::PostgresDialect().translate(statement)), false);
+        return bench::runProgram(
+            bench::psqlCommand(
+                (scan ? QStringLiteral("SET enable_bitmapscan = off; SET enable_indexscan = off; ")
+                      : QString()) +
+                db::PostgresDialect().translate(statement)),
+            keepOutput);
     return bench::runProgram({QStringLiteral("sqlite3"), QStringLiteral("-batch"), database,
                               db::defaultDialect().translate(statement) + QLatin1Char(';')},
-                             false);
+                             keepOutput);
 }
+
+// The search over the soft copies' texts, whose rows are compared with the shell's.
+const QByteArray SoftCopySearch = "search-softcopy";
 
 // What the screen's process reported for one size.
 struct ScreenRun {
     QMap<QByteArray, QPair<double, long>> steps; // name -> milliseconds, peak KiB so far
     QByteArray key;
-    QMap<QByteArray, QString> statements; // search step -> the statement the screen built
+    QMap<QByteArray, QString> statements;    // search step -> the statement the screen built
+    QMap<QByteArray, QSet<QByteArray>> keys; // search step -> the keys of the rows found
     QStringList failures;
     long peakKiB = 0;
+    int backgroundStored = -1; // soft copies read in the background during the steps
+    bool backgroundRunning = false;
 };
 
 struct SizeResult {
     int documents = 0;
     ScreenRun screen;
+    ScreenRun reading;    // the same steps while soft copies are read in the background
+    int waiting = 0;      // documents whose soft copies wait to be read
+    QString softCopyRows; // the soft-copy search's rows against the shell's
     bench::Run shellList;
     bench::Run shellLoad;
     QMap<QByteArray, bench::Run> shellSearches; // search step -> the shell on its statement
@@ -82,7 +104,12 @@ ScreenRun parseScreen(const bench::Run& run) {
             s.key = words[1];
         else if (words.size() > 2 && words[0] == "statement")
             s.statements.insert(words[1], QString::fromUtf8(line.mid(words[0].size() + words[1].size() + 2)));
-        else if (line.startsWith("fail "))
+        else if (words.size() >= 2 && words[0] == "keys")
+            s.keys.insert(words[1], QSet<QByteArray>(words.begin() + 2, words.end()));
+        else if (words.size() == 3 && words[0] == "background") {
+            s.backgroundStored = words[1].toInt();
+            s.backgroundRunning = words[2] == "1";
+        } else if (line.startsWith("fail "))
             s.failures << QString::fromUtf8(line.mid(5));
     }
     if (!run.started)
@@ -98,6 +125,22 @@ ScreenRun parseScreen(const bench::Run& run) {
     return s;
 }
 
+// The screen's rows against the shell's: "same" with their number when they are the same.
+QString compareRows(const QSet<QByteArray>& screen, const QByteArray& shellOutput, QStringList& failures,
+                    int documents) {
+    QSet<QByteArray> shell;
+    for (const QByteArray& line : shellOutput.split('\n'))
+        if (!line.isEmpty())
+            shell.insert(line.left(line.indexOf('|')));
+    if (screen == shell)
+        return QStringLiteral("same %1 rows").arg(thousands(shell.size()));
+    failures << QStringLiteral("%1 documents: the soft-copy search listed %2 rows, the shell's like %3, of "
+                               "which %4 in both")
+                    .arg(thousands(documents), thousands(screen.size()), thousands(shell.size()),
+                         thousands(QSet<QByteArray>(screen).intersect(shell).size()));
+    return QStringLiteral("rows differ");
+}
+
 QString shellFailure(const bench::Run& run, const char* what) {
     if (!run.started)
         return QStringLiteral("%1 (bash scripts/vorlane.sh bench installs the shells)").arg(run.error);
@@ -108,11 +151,22 @@ QString shellFailure(const bench::Run& run, const char* what) {
     return {};
 }
 
+// The screens' process on the office of the run, or on the server, with the reading or without.
+QStringList screenCommand(int documents, const QString& runFolder, bool reading) {
+    QStringList command{selfPath(), QStringLiteral("--one"), QString::number(documents), runFolder};
+    if (reading)
+        command << QStringLiteral("--reading");
+    if (onServer)
+        command << QStringLiteral("--server");
+    return command;
+}
+
 // Makes the office if needed, copies it for this run (the screen saves into it), and runs the
 // sqlite3 shell and the screen on the copy, on a warm cache.
 SizeResult measure(int documents, const QString& dataFolder, QStringList& failures) {
     SizeResult r;
     r.documents = documents;
+    const int before = failures.size();
     const QString office = bench::officeFolder(dataFolder, documents);
     if (bench::officeIsCurrent(dataFolder, documents)) {
         out(QStringLiteral("%1 documents: using %2").arg(thousands(documents), office));
@@ -137,6 +191,24 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
         failures << QStringLiteral("cannot copy the office to %1").arg(runFolder);
         return r;
     }
+    // A few hundred documents, the newest, point at files of the run whose soft copies wait to be
+    // read: four PDFs to one picture.
+    r.waiting = std::min(300, std::max(10, documents / 20));
+    const bench::Run files = bench::runProgram(
+        {selfPath(), QStringLiteral("--soft-copies"), runFolder + QStringLiteral("/softcopies"),
+         QString::number(r.waiting - r.waiting / 5), QString::number(r.waiting / 5)},
+        true);
+    const QStringList paths = QString::fromUtf8(files.output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    if (!files.ok() || paths.size() != r.waiting) {
+        failures << QStringLiteral("cannot write the soft copies to read in %1").arg(runFolder);
+        return r;
+    }
+    try {
+        bench::pointNewestAt(database, paths);
+    } catch (const std::exception& e) {
+        failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), QString::fromUtf8(e.what()));
+        return r;
+    }
     bench::warmFile(database);
     if (onServer) {
         out(QStringLiteral("%1 documents: copying the office to the server ...").arg(thousands(documents)));
@@ -150,23 +222,30 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
     }
 
     r.shellList = runShell(database, QString::fromLatin1(ListStatement));
-    const bench::Run screen =
-        bench::runProgram({selfPath(), QStringLiteral("--one"), QString::number(documents), runFolder}, true);
+    const bench::Run screen = bench::runProgram(screenCommand(documents, runFolder, false), true);
     r.screen = parseScreen(screen);
     // The row that the screen loaded; the last one entered if it loaded none.
     const QByteArray key = r.screen.key.isEmpty() ? QByteArray::number(documents) : r.screen.key;
     r.shellLoad = runShell(
         database, QStringLiteral("Select * from Vorlane where IndexID=%1").arg(QString::fromLatin1(key)));
 
-    // The shell runs each search's statement as the data layer hands it to the engine.
+    // The shell runs each search's statement as the data layer hands it to the engine; the
+    // soft-copy search reads every text, and its rows are compared with the screen's.
     for (auto it = r.screen.statements.cbegin(); it != r.screen.statements.cend(); ++it) {
-        const bench::Run run = runShell(database, it.value());
+        const bool compared = r.screen.keys.contains(it.key());
+        const bench::Run run = runShell(database, it.value(), compared, compared);
         r.shellSearches.insert(it.key(), run);
         if (const QString f = shellFailure(run, it.key().constData()); !f.isEmpty())
             failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), f);
+        else if (compared)
+            r.softCopyRows = compareRows(r.screen.keys.value(it.key()), run.output, failures, documents);
     }
 
-    const int before = failures.size();
+    // The same steps while the waiting soft copies are read; the first run saved a new document.
+    r.reading = parseScreen(bench::runProgram(screenCommand(documents + 1, runFolder, true), true));
+    for (const QString& f : std::as_const(r.reading.failures))
+        failures << QStringLiteral("%1 documents, reading: %2").arg(thousands(documents), f);
+
     for (const QString& f : r.screen.failures)
         failures << QStringLiteral("%1 documents: %2").arg(thousands(documents), f);
     for (const QString& f : {shellFailure(r.shellList, "the list"), shellFailure(r.shellLoad, "the load")})
@@ -188,6 +267,123 @@ QString megabytes(long kib) {
 
 QString verdict(bool met) {
     return met ? QStringLiteral("met") : QStringLiteral("missed");
+}
+
+// Each step of the screens as they are and while the soft copies wait to be read in the background.
+void printReadingTable(const QList<SizeResult>& results) {
+    const auto line = [](const QString& documents, const QString& step, const QString& without,
+                         const QString& with, const QString& ratio, const QString& goal) {
+        QString text = QStringLiteral("%1  %2 %3 %4 %5  %6")
+                           .arg(documents, 9)
+                           .arg(step, -20)
+                           .arg(without, 10)
+                           .arg(with, 12)
+                           .arg(ratio, 7)
+                           .arg(goal);
+        while (text.endsWith(QLatin1Char(' ')))
+            text.chop(1);
+        out(text);
+    };
+    const std::pair<const char*, const char*> steps[] = {{"first-rows", "Edit: first rows"},
+                                                         {"whole-list", "Edit: whole list"},
+                                                         {"load", "Double click: load"},
+                                                         {"save-change", "Save: changed row"},
+                                                         {"save-new", "Save: new row"},
+                                                         {"search-all-first", "Search all: first"},
+                                                         {"search-all-whole", "Search all: whole"},
+                                                         {"search-filtered-whole", "Search type+cat+date"},
+                                                         {"search-contains-whole", "Search title contains"},
+                                                         {"search-softcopy-whole", "Search soft copy text"}};
+    out(QString());
+    line(QStringLiteral("documents"), QStringLiteral("step"), QStringLiteral("Vorlane"),
+         QStringLiteral("and reading"), QStringLiteral("ratio"), QStringLiteral("goal"));
+    for (const SizeResult& r : results) {
+        const QString n = thousands(r.documents);
+        for (const auto& [key, caption] : steps) {
+            const QByteArray k(key);
+            const bool have = r.screen.steps.contains(k) && r.reading.steps.contains(k);
+            const double without = r.screen.steps.value(k).first;
+            const double with = r.reading.steps.value(k).first;
+            line(n, QLatin1String(caption), have ? milliseconds(without) : QStringLiteral("-"),
+                 have ? milliseconds(with) : QStringLiteral("-"),
+                 have && without > 0 ? QStringLiteral("%1x").arg(with / without, 0, 'f', 2)
+                                     : QStringLiteral("-"),
+                 have ? QStringLiteral("<= 1.2x: ") + verdict(with <= 1.2 * without) : QString());
+        }
+        if (r.reading.peakKiB > 0)
+            line(n, QStringLiteral("Peak of the program"), megabytes(r.screen.peakKiB),
+                 megabytes(r.reading.peakKiB), QString(),
+                 QStringLiteral("< 300 MB: ") + verdict(double(r.reading.peakKiB) * 1024 < 300e6));
+        if (r.reading.backgroundStored >= 0)
+            out(QStringLiteral("%1  soft copies read during the steps: %2 of %3 waiting, %4 at the end")
+                    .arg(n, 9)
+                    .arg(r.reading.backgroundStored)
+                    .arg(r.waiting)
+                    .arg(r.reading.backgroundRunning ? QStringLiteral("still reading")
+                                                     : QStringLiteral("done")));
+    }
+}
+
+// The reading of soft copies through vorlane-reader beside pdftotext and tesseract.
+struct ReadingSpeed {
+    struct Kind {
+        int files = 0;
+        double ours = 0, theirs = 0;
+    };
+    QMap<QByteArray, Kind> kinds; // "pdf", "ocr"
+};
+
+ReadingSpeed measureReading(const QString& dataFolder, int files, QStringList& failures) {
+    ReadingSpeed speed;
+    out(QStringLiteral("reading soft copies: %1 PDFs and %1 pictures ...").arg(files));
+    const QString folder = QDir(dataFolder).filePath(QStringLiteral("reading"));
+    QDir(folder).removeRecursively();
+    const bench::Run run = bench::runProgram(
+        {selfPath(), QStringLiteral("--reading-speed"), folder, QString::number(files)}, true);
+    for (const QByteArray& line : run.output.split('\n')) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words.size() == 5 && words[0] == "reading")
+            speed.kinds.insert(words[1], {words[2].toInt(), words[3].toDouble(), words[4].toDouble()});
+        else if (line.startsWith("fail "))
+            failures << QStringLiteral("reading: ") + QString::fromUtf8(line.mid(5));
+    }
+    if (!run.ok() && speed.kinds.isEmpty())
+        failures << QStringLiteral("reading: the reading's process failed (%1)")
+                        .arg(run.started ? QString::number(run.exitCode) : run.error);
+    if (run.ok())
+        QDir(folder).removeRecursively();
+    return speed;
+}
+
+void printReadingSpeed(const ReadingSpeed& speed) {
+    if (speed.kinds.isEmpty())
+        return;
+    out(QString());
+    out(QStringLiteral("%1 %2 %3 %4 %5  %6")
+            .arg(QStringLiteral("reading"), -14)
+            .arg(QStringLiteral("files"), 6)
+            .arg(QStringLiteral("Vorlane"), 10)
+            .arg(QStringLiteral("theirs"), 10)
+            .arg(QStringLiteral("speed"), 7)
+            .arg(QStringLiteral("goal")));
+    for (auto it = speed.kinds.cbegin(); it != speed.kinds.cend(); ++it) {
+        const QString kind = it.key() == "pdf"   ? QStringLiteral("PDF text")
+                             : it.key() == "ocr" ? QStringLiteral("OCR pictures")
+                                                 : QStringLiteral("OCR, 1 thread");
+        const double ratio = it->ours > 0 ? it->theirs / it->ours : 0;
+        out(QStringLiteral("%1 %2 %3 %4 %5  >= 0.9x: %6")
+                .arg(kind, -14)
+                .arg(it->files, 6)
+                .arg(milliseconds(it->ours * 1000), 10)
+                .arg(milliseconds(it->theirs * 1000), 10)
+                .arg(QStringLiteral("%1x").arg(ratio, 0, 'f', 2), 7)
+                .arg(verdict(ratio >= 0.9)));
+    }
+    out(QStringLiteral(
+        "Theirs: pdftotext and tesseract on the same files, each file read by both in turn, all "
+        "at the lowest CPU priority; speed is their time over Vorlane's. vorlane-reader runs "
+        "Tesseract with one thread; tesseract runs with its own threads, and in the last row "
+        "with one (OMP_THREAD_LIMIT=1)."));
 }
 
 void printTable(const QList<SizeResult>& results) {
@@ -231,7 +427,8 @@ void printTable(const QList<SizeResult>& results) {
             {"search-all-first", QStringLiteral("Search all: first"), nullptr},
             {"search-all-whole", QStringLiteral("Search all: whole"), shell("search-all")},
             {"search-filtered-whole", QStringLiteral("Search type+cat+date"), shell("search-filtered")},
-            {"search-contains-whole", QStringLiteral("Search title contains"), shell("search-contains")}};
+            {"search-contains-whole", QStringLiteral("Search title contains"), shell("search-contains")},
+            {"search-softcopy-whole", QStringLiteral("Search soft copy text"), shell("search-softcopy")}};
         for (const Row& row : rows) {
             const bool have = r.screen.steps.contains(row.key);
             const double ms = r.screen.steps.value(row.key).first;
@@ -242,6 +439,10 @@ void printTable(const QList<SizeResult>& results) {
                 goal = QStringLiteral("<= 300 ms: ") + verdict(ms <= 300);
             else if (have && row.key == "search-contains-whole")
                 goal = QStringLiteral("<= 150 ms: ") + verdict(ms <= 150);
+            else if (have && row.key == "search-softcopy-whole")
+                goal = QStringLiteral("<= 150 ms: ") + verdict(ms <= 150) + QStringLiteral(", ") +
+                       (r.softCopyRows.isEmpty() ? QStringLiteral("rows not compared") : r.softCopyRows) +
+                       QStringLiteral(" as the like");
             else if (have && shellOk && (row.key == "whole-list" || row.key.startsWith("search")))
                 goal = QStringLiteral("<= 1.5x: ") + verdict(ms <= 1.5 * shellMs);
             else if (have && row.key.startsWith("save"))
@@ -258,8 +459,10 @@ void printTable(const QList<SizeResult>& results) {
                  megabytes(r.screen.peakKiB), QString(),
                  QStringLiteral("< 300 MB: ") + verdict(double(r.screen.peakKiB) * 1024 < 300e6));
     }
+    printReadingTable(results);
     out(QStringLiteral("Goals, shown and not checked: first rows <= 0.3 s, whole list and searches <= 1.5x "
-                       "%1, a contains-search <= 150 ms, peak < 300 MB, save < 20 ms.")
+                       "%1, a contains-search <= 150 ms, peak < 300 MB, save < 20 ms; while soft copies "
+                       "are read in the background, each step <= 1.2x its time without.")
             .arg(shellName()));
     if (onServer)
         out(QStringLiteral("The store is the PostgreSQL server of the data source \"Vorlane\"."));
@@ -274,7 +477,8 @@ void printTable(const QList<SizeResult>& results) {
 }
 
 int usage() {
-    std::fprintf(stderr, "usage: vorlane_bench [--rows 100000,1000000] [--data <folder>] [--server]\n");
+    std::fprintf(stderr, "usage: vorlane_bench [--rows 100000,1000000] [--data <folder>] [--server] "
+                         "[--reading-files 24]\n");
     return 2;
 }
 
@@ -289,8 +493,25 @@ int main(int argc, char** argv) {
     }();
 
     // The two parts that run in processes of their own.
-    if (args.size() == 3 && args[0] == QLatin1String("--one"))
-        return bench::driveScreen(argc, argv, args[1].toInt(), args[2]);
+    if (args.size() >= 3 && args[0] == QLatin1String("--one"))
+        return bench::driveScreen(argc, argv, args[1].toInt(), args[2],
+                                  args.contains(QLatin1String("--reading")),
+                                  args.contains(QLatin1String("--server")));
+    if (args.size() == 3 && args[0] == QLatin1String("--reading-speed"))
+        return bench::readingSpeed(argc, argv, args[1], args[2].toInt());
+    if (args.size() == 4 && args[0] == QLatin1String("--soft-copies")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        QGuiApplication app(argc, argv);
+        try {
+            for (const QString& path :
+                 bench::writeSoftCopies(args[1], args[2].toInt(), args[3].toInt(), false))
+                out(path);
+        } catch (const std::exception& e) {
+            std::fprintf(stderr, "vorlane_bench: %s\n", e.what());
+            return 1;
+        }
+        return 0;
+    }
     if (args.size() == 3 && args[0] == QLatin1String("--generate")) {
         QCoreApplication app(argc, argv);
         try {
@@ -305,6 +526,7 @@ int main(int argc, char** argv) {
     // This process stays small: whatever it holds, the processes that it starts count too.
     QList<int> sizes{100000, 1000000};
     QString data = QStringLiteral(VORLANE_BENCH_DATA);
+    int readingFiles = 24;
     for (int i = 0; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--rows") && i + 1 < args.size()) {
             sizes.clear();
@@ -317,6 +539,11 @@ int main(int argc, char** argv) {
             }
         } else if (args[i] == QLatin1String("--data") && i + 1 < args.size()) {
             data = args[++i];
+        } else if (args[i] == QLatin1String("--reading-files") && i + 1 < args.size()) {
+            bool ok = false;
+            readingFiles = args[++i].toInt(&ok);
+            if (!ok || readingFiles < 0)
+                return usage();
         } else if (args[i] == QLatin1String("--server")) {
             onServer = true;
         } else {
@@ -337,10 +564,13 @@ int main(int argc, char** argv) {
     }
 
     QStringList failures;
+    const ReadingSpeed speed =
+        readingFiles > 0 ? measureReading(data, readingFiles, failures) : ReadingSpeed();
     QList<SizeResult> results;
     for (int documents : sizes)
         results << measure(documents, data, failures);
     printTable(results);
+    printReadingSpeed(speed);
     for (const QString& f : failures)
         out(QStringLiteral("FAILED: ") + f);
     return failures.isEmpty() ? 0 : 1;

@@ -195,6 +195,45 @@ class TestBench : public QObject {
                      ext);
     }
 
+    // Every document's soft copy has been read, a letter of about a thousand characters; each rare
+    // word stands in exactly the documents that its key chooses, and the text index finds them.
+    void theSoftCopiesHaveTexts() {
+        Reader db(databaseOf(data.path(), Documents));
+        QCOMPARE(db.number("select count(*) from SoftCopy s join Vorlane v on v.IndexID=s.IndexID where "
+                           "s.ReadState='read' and s.ReadPath=v.FilePath and s.Reason is null and "
+                           "s.ClaimedBy is null and length(s.SoftText) between 800 and 1400"),
+                 Documents);
+        QCOMPARE(db.number("select count(distinct SoftText) from SoftCopy"), Documents);
+        for (const bench::RareWord& rare : bench::RareWords) {
+            const QString where = QStringLiteral(" from SoftCopy where SoftText like '%%1%'").arg(rare.word);
+            const int holding = bench::documentsHolding(rare, Documents);
+            QCOMPARE(db.number(QStringLiteral("select count(*)") + where), holding);
+            QCOMPARE(db.number(QStringLiteral("select count(*)") + where +
+                               QStringLiteral(" and IndexID % %1 = %2").arg(rare.every).arg(rare.offset)),
+                     holding);
+            QCOMPARE(db.number(QStringLiteral("select count(*) from SoftCopyText where SoftCopyText match "
+                                              "'\"%1\"'")
+                                   .arg(rare.word)),
+                     holding);
+        }
+        QCOMPARE(bench::documentsHolding(bench::RareWords[0], 1000000), 1000);
+    }
+
+    // The newest documents point at other files, whose soft copies then wait to be read.
+    void theNewestDocumentsCanWait() {
+        QTemporaryDir dir;
+        bench::makeOffice(dir.path(), 300);
+        const QString database = databaseOf(dir.path(), 300);
+        bench::pointNewestAt(database, {QStringLiteral("/tmp/a.pdf"), QStringLiteral("/tmp/b.png")});
+        Reader db(database);
+        QCOMPARE(db.number("select count(*) from (select IndexID from Vorlane order by DocDate desc, IndexID "
+                           "desc limit 2) n join SoftCopy s on s.IndexID=n.IndexID join Vorlane v on "
+                           "v.IndexID=n.IndexID where s.ReadState='waiting' and s.SoftText is null and "
+                           "v.FilePath in ('/tmp/a.pdf', '/tmp/b.png')"),
+                 2);
+        QCOMPARE(db.number("select count(*) from SoftCopy where ReadState='read'"), 298);
+    }
+
     // The same size gives the same office, row for row; a second call finds it made.
     void theOfficeIsTheSameEachTimeAndKept() {
         QTemporaryDir other;
@@ -205,6 +244,7 @@ class TestBench : public QObject {
             Reader a(databaseOf(data.path(), Documents));
             Reader b(databaseOf(other.path(), Documents));
             for (const auto& [table, key] : {std::pair{"Vorlane", "IndexID"},
+                                             {"SoftCopy", "IndexID"},
                                              {"DocumentSubCategory", "SubCatID"},
                                              {"DocumentChildCategory", "ChildCatID"},
                                              {"File", "FileID"}})

@@ -2,8 +2,8 @@
 # Sets Vorlane up on a Debian 12 machine.
 #   bash scripts/vorlane.sh run    install what is needed, build, create the database if none exists, start Vorlane
 #   bash scripts/vorlane.sh test   install what is needed, build, run every test (also under the sanitizers)
-#   bash scripts/vorlane.sh bench  install what is needed, build the benchmark, time the Index Document list
-#                                  against the sqlite3 shell at 100,000 and 1,000,000 documents
+#   bash scripts/vorlane.sh bench  install what is needed, build the benchmark, time the screens against
+#                                  the sqlite3 shell at 100,000 and 1,000,000 documents
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -19,11 +19,11 @@ packages=(
 # desktop entries and AppStream metadata, and installs it for a throwaway user.
 # clang-tidy checks src/, and the sanitizer build is compiled by clazy (with clang's sanitizer
 # runtime), which checks the code against Qt's own rules.
-test_packages=(poppler-utils xvfb xauth clang-format clang-tidy clazy libclang-rt-14-dev sqlite3 postgresql
+test_packages=(poppler-utils tesseract-ocr xvfb xauth clang-format clang-tidy clazy libclang-rt-14-dev sqlite3 postgresql
   dpkg-dev lintian desktop-file-utils appstream adduser passwd)
 # The benchmark compares the program with the sqlite3 shell on the same file (and, with
-# --server, with psql).
-bench_packages=(sqlite3 postgresql-client)
+# --server, with psql), and its reading of soft copies with pdftotext and tesseract.
+bench_packages=(sqlite3 postgresql-client poppler-utils tesseract-ocr)
 
 install_packages() {
   local missing=()

@@ -2,36 +2,88 @@
 
 #include <QImage>
 #include <QImageReader>
-#include <tesseract/baseapi.h>
+#include <dlfcn.h>
+#include <tesseract/capi.h>
 
 namespace reader {
+
+namespace {
+
+// The functions of Tesseract's library that the reader uses, found when it is first needed.
+struct Tesseract {
+    decltype(&TessBaseAPICreate) create = nullptr;
+    decltype(&TessBaseAPIDelete) destroy = nullptr;
+    decltype(&TessBaseAPISetVariable) setVariable = nullptr;
+    decltype(&TessBaseAPIInit3) init = nullptr;
+    decltype(&TessBaseAPISetPageSegMode) setPageSegMode = nullptr;
+    decltype(&TessBaseAPISetImage) setImage = nullptr;
+    decltype(&TessBaseAPISetSourceResolution) setSourceResolution = nullptr;
+    decltype(&TessBaseAPIGetUTF8Text) text = nullptr;
+    decltype(&TessDeleteText) deleteText = nullptr;
+    decltype(&TessBaseAPIEnd) end = nullptr;
+};
+
+template <typename F> bool find(void* library, F& function, const char* name) {
+    function = reinterpret_cast<F>(dlsym(library, name));
+    return function != nullptr;
+}
+
+// The library, or null when it cannot be loaded.
+const Tesseract* tesseract() {
+    static const Tesseract* const loaded = []() -> const Tesseract* {
+        void* library = dlopen(VORLANE_TESSERACT_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        static Tesseract t;
+        const bool found = library && find(library, t.create, "TessBaseAPICreate") &&
+                           find(library, t.destroy, "TessBaseAPIDelete") &&
+                           find(library, t.setVariable, "TessBaseAPISetVariable") &&
+                           find(library, t.init, "TessBaseAPIInit3") &&
+                           find(library, t.setPageSegMode, "TessBaseAPISetPageSegMode") &&
+                           find(library, t.setImage, "TessBaseAPISetImage") &&
+                           find(library, t.setSourceResolution, "TessBaseAPISetSourceResolution") &&
+                           find(library, t.text, "TessBaseAPIGetUTF8Text") &&
+                           find(library, t.deleteText, "TessDeleteText") &&
+                           find(library, t.end, "TessBaseAPIEnd");
+        return found ? &t : nullptr;
+    }();
+    return loaded;
+}
+
+} // namespace
 
 Ocr::Ocr(QString languages) : m_languages(std::move(languages)) {}
 
 Ocr::~Ocr() {
-    if (m_api)
-        m_api->End();
+    if (m_api) {
+        tesseract()->end(m_api);
+        tesseract()->destroy(m_api);
+    }
 }
 
 QString Ocr::read(const QImage& image, int dpi) {
+    const Tesseract* const t = tesseract();
+    if (!t)
+        throw Failure{NoOcr, QStringLiteral("Tesseract OCR is not installed on this machine.")};
     if (!m_api) {
-        m_api = std::make_unique<tesseract::TessBaseAPI>();
+        m_api = t->create();
         // Tesseract's notes to the developer stay out of the reason the reader gives.
-        m_api->SetVariable("debug_file", "/dev/null");
-        if (m_api->Init(nullptr, m_languages.toUtf8().constData(), tesseract::OEM_DEFAULT) != 0) {
-            m_api.reset();
+        t->setVariable(m_api, "debug_file", "/dev/null");
+        if (t->init(m_api, nullptr, m_languages.toUtf8().constData()) != 0) {
+            t->destroy(m_api);
+            m_api = nullptr;
             throw Failure{NoOcr, QStringLiteral("The OCR languages \"%1\" are not installed on this machine.")
                                      .arg(m_languages)};
         }
         // A page of a letter may hold columns and blocks anywhere, not one block of text.
-        m_api->SetPageSegMode(tesseract::PSM_AUTO);
+        t->setPageSegMode(m_api, tesseract::PSM_AUTO);
     }
     const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
-    m_api->SetImage(grey.constBits(), grey.width(), grey.height(), 1, int(grey.bytesPerLine()));
+    t->setImage(m_api, grey.constBits(), grey.width(), grey.height(), 1, int(grey.bytesPerLine()));
     if (dpi > 0)
-        m_api->SetSourceResolution(dpi);
-    const std::unique_ptr<char[]> text(m_api->GetUTF8Text());
-    return text ? QString::fromUtf8(text.get()) : QString();
+        t->setSourceResolution(m_api, dpi);
+    char* const text = t->text(m_api);
+    QString out = text ? QString::fromUtf8(text) : QString();
+    t->deleteText(text);
+    return out;
 }
 
 QStringList installedLanguages() {
