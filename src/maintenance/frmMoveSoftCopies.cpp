@@ -44,10 +44,10 @@ QString quoted(const QString& text) {
     return QLatin1Char('\'') + inner + QLatin1Char('\'');
 }
 
-QString keyList(const QList<qint64>& keys, qsizetype from, qsizetype count, bool hidden = false) {
+QString keyList(const QList<qint64>& keys, qsizetype from, qsizetype count) {
     QStringList out;
     for (const qint64 key : keys.mid(from, count))
-        out << QString::number(hidden ? -1 - key : key);
+        out << QString::number(key);
     return out.join(QLatin1Char(','));
 }
 
@@ -91,10 +91,9 @@ Counts countUnder(const QString& oldPrefix, const QString& newPrefix) {
 }
 
 // Rewrites the paths under `oldPrefix` to `newPrefix` on the open transaction; returns how
-// many documents moved. Changing a document's path makes its soft copy wait to be read again
-// (a trigger of the store does so for every writer); a move keeps what was read, since the
-// file is the same. Its row is therefore set aside under a key that no document has (-1 - key)
-// while the path changes, and taken back after, its read path moved too.
+// many documents moved. Changing a document's path makes its soft copy wait to be read again,
+// unless its text was read from the very file that the new path names (a trigger of the store
+// sees to it for every writer): the read paths move first, so the texts stay with the files.
 qint64 movePaths(const QString& oldPrefix, const QString& newPrefix) {
     QList<qint64> keys;
     QList<qint64> readUnder; // those whose text was read from a path under the old folder
@@ -109,20 +108,13 @@ qint64 movePaths(const QString& oldPrefix, const QString& newPrefix) {
         const QString name = QString::fromLatin1(column);
         return name + QStringLiteral("=%1 || substr(%2, %3)").arg(quoted(newPrefix), name, cut);
     };
-    const QString writer = QString::number(Session::CurrentUserID);
-    for (qsizetype from = 0; from < keys.size(); from += KeysPerStatement) {
-        const QString these = keyList(keys, from, KeysPerStatement);
-        const QString aside = keyList(keys, from, KeysPerStatement, true);
-        GenMod::Conn->Execute(
-            QStringLiteral("Update SoftCopy set IndexID=-1-IndexID where IndexID in (%1)").arg(these));
-        GenMod::Conn->Execute(QStringLiteral("Update Vorlane set %1, UpdatedBy=%2 where IndexID in (%3)")
-                                  .arg(moved("FilePath"), writer, these));
-        GenMod::Conn->Execute(
-            QStringLiteral("Update SoftCopy set IndexID=-1-IndexID where IndexID in (%1)").arg(aside));
-    }
     for (qsizetype from = 0; from < readUnder.size(); from += KeysPerStatement)
         GenMod::Conn->Execute(QStringLiteral("Update SoftCopy set %1 where IndexID in (%2)")
                                   .arg(moved("ReadPath"), keyList(readUnder, from, KeysPerStatement)));
+    const QString writer = QString::number(Session::CurrentUserID);
+    for (qsizetype from = 0; from < keys.size(); from += KeysPerStatement)
+        GenMod::Conn->Execute(QStringLiteral("Update Vorlane set %1, UpdatedBy=%2 where IndexID in (%3)")
+                                  .arg(moved("FilePath"), writer, keyList(keys, from, KeysPerStatement)));
     return keys.size();
 }
 
@@ -149,7 +141,9 @@ QWidget* frmMoveSoftCopies::build() {
         button->setAccessibleDescription(QString::fromLatin1(what));
         screen.addBeside(button);
     }
-    screen.addNote(ui.lblCounts, QString())->setWordWrap(true);
+    // The counts take two lines; their room is kept from the start, so the window needs not grow.
+    auto* counts = screen.addNote(ui.lblCounts, QString());
+    counts->setMinimumHeight(2 * counts->fontMetrics().lineSpacing());
 
     auto* count = ui.cmdCount.make(screen.window());
     count->setText(QStringLiteral("Count"));
@@ -230,7 +224,7 @@ void frmMoveSoftCopies::cmdCount_Click() {
         }
         const Counts counts = countUnder(prefixOf(oldFolder), prefixOf(newFolder));
         GenMod::CloseConnection();
-        ui.lblCounts->setText(QStringLiteral("%1 document/s under the old folder; %2 of their files found "
+        ui.lblCounts->setText(QStringLiteral("%1 document/s under the old folder.\n%2 of their files found "
                                              "under the new folder.")
                                   .arg(counts.documents)
                                   .arg(counts.present));

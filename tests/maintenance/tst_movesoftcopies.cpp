@@ -26,20 +26,20 @@ class TestMoveSoftCopies : public QObject {
         env->exec("insert into Vorlane (IndexID, DocDate, FilePath) values(" + key + ",'2021-07-01'," +
                   literal(path) + ")");
         if (!readFrom.isEmpty())
-            env->exec("update SoftCopy set ReadState='read', ReadPath=" + literal(readFrom) +
-                      ", SoftText=" + literal(text) + ", FileSize='9' where IndexID=" + key);
+            env->exec(QStringLiteral("update SoftCopy set ReadState=") +
+                      (text.isEmpty() ? "'waiting'" : "'read'") + ", ReadPath=" + literal(readFrom) +
+                      ", SoftText=" + literal(text) + " where IndexID=" + key);
     }
-    // Every document's path, then its soft copy's state, read path, text and size, by key.
+    // Every document's path, then its soft copy's state, read path and text, by key.
     QString state() const {
         QString out;
         for (const char* id : {"1", "2", "3", "4", "5"})
-            out +=
-                env->scalar(QStringLiteral("select V.FilePath||S.ReadState||coalesce(S.ReadPath||S.SoftText||"
-                                           "S.FileSize,'') from Vorlane V, SoftCopy S where "
-                                           "S.IndexID=V.IndexID and V.IndexID=") +
-                            QLatin1String(id))
-                    .toString() +
-                QLatin1Char('\n');
+            out += env->scalar(QStringLiteral("select V.FilePath||S.ReadState||coalesce(S.ReadPath,'')||"
+                                              "coalesce(S.SoftText,'') from Vorlane V, SoftCopy S where "
+                                              "S.IndexID=V.IndexID and V.IndexID=") +
+                               QLatin1String(id))
+                       .toString() +
+                   QLatin1Char('\n');
         return out;
     }
     QStringList move(const QString& from, const QString& to) {
@@ -79,7 +79,7 @@ class TestMoveSoftCopies : public QObject {
         QCOMPARE(screen.pressed("cmdCount"), QStringList());
         QCOMPARE(screen.ctl<QLabel>("lblCounts")->text(),
                  QStringLiteral(
-                     "3 document/s under the old folder; 1 of their files found under the new folder."));
+                     "3 document/s under the old folder.\n1 of their files found under the new folder."));
 
         QCOMPARE(move(scans + QLatin1Char('/'), moved).value(1),
                  QStringLiteral("64:Moved 3 document/s to the new folder."));

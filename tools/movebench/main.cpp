@@ -1,0 +1,88 @@
+// Times Move Soft Copies on many documents, all read, whose soft copies lie under one folder:
+//
+//   QT_QPA_PLATFORM=offscreen build/tools/vorlane_movebench [DOCUMENTS]   (1000000 unless given)
+//
+// The database is the embedded file of a temporary program folder. It prints how long the count
+// and the move took, and how many texts stayed read after the move.
+#include "datastore/Ado.h"
+#include "datastore/Schema.h"
+#include "maintenance/frmMoveSoftCopies.h"
+#include "platform/MsgBox.h"
+#include "platform/TestHooks.h"
+#include "session/GenMod.h"
+#include "session/Session.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <cstdio>
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    const int documents = argc > 1 ? QByteArray(argv[1]).toInt() : 1000000;
+    QTemporaryDir program;
+    const QString odbcIni = QDir(program.path()).filePath(QStringLiteral("odbc.ini"));
+    QFile(odbcIni).open(QIODevice::WriteOnly);
+    qputenv("ODBCINI", odbcIni.toLocal8Bit());
+    qputenv("ODBCSYSINI", program.path().toLocal8Bit());
+    platform::test::enable();
+    platform::test::setAppPath(program.path());
+    platform::test::setSettingsFolder(QDir(program.path()).filePath(QStringLiteral("settings")));
+    QDir(program.path()).mkpath(QStringLiteral("Database/Backup"));
+    QDir(program.path()).mkpath(QStringLiteral("new"));
+    db::createDatabase(db::databaseFile(), GenMod::ScrambleText(QStringLiteral("admin")),
+                       GenMod::ScrambleText(QStringLiteral("admin")));
+    Session::CurrentUserID = 1;
+    Session::UserRights = QStringLiteral("Modify");
+
+    QElapsedTimer clock;
+    clock.start();
+    auto c = std::make_shared<db::Connection>();
+    c->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+    c->BeginTrans();
+    for (int first = 1; first <= documents; first += 1000) {
+        QStringList rows;
+        for (int id = first; id < first + 1000 && id <= documents; ++id)
+            rows << QStringLiteral(
+                        "(%1,'2021-07-01','2021-07-01',1,1,1,1,'Letter %1','','%2/scans/%3/%1.pdf',1,"
+                        "'','',1)")
+                        .arg(id)
+                        .arg(program.path())
+                        .arg(id % 1000);
+        c->Execute(QStringLiteral("insert into Vorlane values ") + rows.join(QLatin1Char(',')));
+    }
+    c->Execute(
+        QStringLiteral("update SoftCopy set ReadState='read', ReadPath=(select FilePath from Vorlane "
+                       "where Vorlane.IndexID=SoftCopy.IndexID), SoftText='the words read from page ' || "
+                       "IndexID"));
+    c->CommitTrans();
+    std::printf("%d documents made in %lld ms\n", documents, clock.restart());
+
+    frmMoveSoftCopies& screen = frmMoveSoftCopies::instance();
+    screen.Show();
+    screen.control<QLineEdit>(QStringLiteral("txtOldFolder"))
+        ->setText(program.path() + QStringLiteral("/scans"));
+    screen.control<QLineEdit>(QStringLiteral("txtNewFolder"))
+        ->setText(program.path() + QStringLiteral("/new"));
+    const auto counts = [&] {
+        return screen.control<QLabel>(QStringLiteral("lblCounts"))->text().replace('\n', ' ');
+    };
+    clock.restart();
+    screen.cmdCount_Click();
+    std::printf("count: %lld ms (%s)\n", clock.restart(), qPrintable(counts()));
+    platform::test::answerNext(platform::vbYes);
+    screen.cmdMove_Click();
+    std::printf("move: %lld ms (%s)\n", clock.restart(), qPrintable(counts()));
+    db::Recordset rs;
+    rs.Open(QStringLiteral(
+                "Select count(IndexID) from SoftCopy where ReadState='read' and ReadPath like '%/new/%'"),
+            c, db::adOpenForwardOnly, db::adLockReadOnly);
+    std::printf("texts still read, with their read path moved: %lld\n", rs.Fields(0).toLongLong());
+    rs.Close();
+    c.reset();
+    screen.Unload();
+    return 0;
+}
