@@ -2,39 +2,32 @@
 //
 //   QT_QPA_PLATFORM=offscreen build/tools/vorlane_movebench [DOCUMENTS]   (1000000 unless given)
 //
-// The database is the embedded file of a temporary program folder. It prints how long the count
+// against the embedded file; with ODBCINI naming a data source Vorlane, against that server's
+// database, emptied first (as the server tests do). It prints how long the count
 // and the move took, and how many texts stayed read after the move.
 #include "datastore/Ado.h"
-#include "datastore/Schema.h"
 #include "maintenance/frmMoveSoftCopies.h"
 #include "platform/MsgBox.h"
 #include "platform/TestHooks.h"
 #include "session/GenMod.h"
 #include "session/Session.h"
+#include "support/TestSupport.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
-#include <QTemporaryDir>
 #include <cstdio>
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const int documents = argc > 1 ? QByteArray(argv[1]).toInt() : 1000000;
-    QTemporaryDir program;
-    const QString odbcIni = QDir(program.path()).filePath(QStringLiteral("odbc.ini"));
-    QFile(odbcIni).open(QIODevice::WriteOnly);
-    qputenv("ODBCINI", odbcIni.toLocal8Bit());
-    qputenv("ODBCSYSINI", program.path().toLocal8Bit());
-    platform::test::enable();
-    platform::test::setAppPath(program.path());
-    platform::test::setSettingsFolder(QDir(program.path()).filePath(QStringLiteral("settings")));
-    QDir(program.path()).mkpath(QStringLiteral("Database/Backup"));
-    QDir(program.path()).mkpath(QStringLiteral("new"));
-    db::createDatabase(db::databaseFile(), GenMod::ScrambleText(QStringLiteral("admin")),
-                       GenMod::ScrambleText(QStringLiteral("admin")));
+    // The embedded file of a temporary program folder, or the server's database (emptied) when the
+    // data source Vorlane is known, as for the tests.
+    testsupport::TestEnvironment env;
+    const QString folder = env.appPath();
+    QDir(folder).mkpath(QStringLiteral("new"));
     Session::CurrentUserID = 1;
     Session::UserRights = QStringLiteral("Modify");
 
@@ -50,7 +43,7 @@ int main(int argc, char** argv) {
                         "(%1,'2021-07-01','2021-07-01',1,1,1,1,'Letter %1','','%2/scans/%3/%1.pdf',1,"
                         "'','',1)")
                         .arg(id)
-                        .arg(program.path())
+                        .arg(folder)
                         .arg(id % 1000);
         c->Execute(QStringLiteral("insert into Vorlane values ") + rows.join(QLatin1Char(',')));
     }
@@ -63,10 +56,8 @@ int main(int argc, char** argv) {
 
     frmMoveSoftCopies& screen = frmMoveSoftCopies::instance();
     screen.Show();
-    screen.control<QLineEdit>(QStringLiteral("txtOldFolder"))
-        ->setText(program.path() + QStringLiteral("/scans"));
-    screen.control<QLineEdit>(QStringLiteral("txtNewFolder"))
-        ->setText(program.path() + QStringLiteral("/new"));
+    screen.control<QLineEdit>(QStringLiteral("txtOldFolder"))->setText(folder + QStringLiteral("/scans"));
+    screen.control<QLineEdit>(QStringLiteral("txtNewFolder"))->setText(folder + QStringLiteral("/new"));
     const auto counts = [&] {
         return screen.control<QLabel>(QStringLiteral("lblCounts"))->text().replace('\n', ' ');
     };
