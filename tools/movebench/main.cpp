@@ -1,9 +1,10 @@
 // Times Move Soft Copies on many documents, all read, whose soft copies lie under one folder:
 //
-//   QT_QPA_PLATFORM=offscreen build/tools/vorlane_movebench [DOCUMENTS]   (1000000 unless given)
+//   QT_QPA_PLATFORM=offscreen build/tools/vorlane_movebench [--server] [DOCUMENTS]   (1000000 unless given)
 //
-// against the embedded file; with ODBCINI naming a data source Vorlane, against that server's
-// database, emptied first (as the server tests do). It prints how long the count
+// against the embedded file of a temporary folder; with --server, against the database of the data
+// source Vorlane that the file named in ODBCINI describes, which it EMPTIES first (as the server
+// tests do: a test server only). It prints how long the count
 // and the move took, and how many texts stayed read after the move.
 #include "datastore/Ado.h"
 #include "maintenance/frmMoveSoftCopies.h"
@@ -18,13 +19,27 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTemporaryDir>
 #include <cstdio>
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    const int documents = argc > 1 ? QByteArray(argv[1]).toInt() : 1000000;
-    // The embedded file of a temporary program folder, or the server's database (emptied) when the
-    // data source Vorlane is known, as for the tests.
+    const QStringList args = QCoreApplication::arguments().mid(1);
+    const bool server = args.contains(QStringLiteral("--server"));
+    const int documents =
+        args.isEmpty() || args.last().startsWith(QLatin1Char('-')) ? 1000000 : args.last().toInt();
+    // The server's database only when asked, and only from a data source file named in ODBCINI:
+    // it is emptied. Otherwise no data source is known, and the file of a temporary folder serves.
+    QTemporaryDir noSources;
+    if (server && qEnvironmentVariableIsEmpty("ODBCINI")) {
+        std::fprintf(stderr, "--server needs ODBCINI naming a data source Vorlane of a test server\n");
+        return 2;
+    }
+    if (!server) {
+        QFile(noSources.filePath(QStringLiteral("odbc.ini"))).open(QIODevice::WriteOnly);
+        qputenv("ODBCINI", noSources.filePath(QStringLiteral("odbc.ini")).toLocal8Bit());
+        qputenv("ODBCSYSINI", noSources.path().toLocal8Bit());
+    }
     testsupport::TestEnvironment env;
     const QString folder = env.appPath();
     QDir(folder).mkpath(QStringLiteral("new"));
