@@ -1,5 +1,6 @@
 #include "frmSettings.h"
 
+#include "frmMoveSoftCopies.h"
 #include "frmSoftCopies.h"
 #include "index/SoftCopySettings.h"
 #include "platform/Controls.h"
@@ -85,17 +86,21 @@ QWidget* frmSettings::build() {
     screen.addBeside(proceed);
     screen.addNote(ui.lblProcess, QStringLiteral("Processing"))->hide();
 
-    screen.addButtons({buttons[0], buttons[1]});
+    auto* moveSoftCopies = ui.cmdMoveSoftCopies.make(screen.window());
+    moveSoftCopies->setText(QStringLiteral("Move Soft Copies..."));
+    screen.addButtons({moveSoftCopies, buttons[0], buttons[1]});
     connect(proceed, &QPushButton::clicked, this, [this] { cmdDelete_Click(); });
+    connect(moveSoftCopies, &QPushButton::clicked, this, [] { frmMoveSoftCopies::instance().Show(); });
     return screen.finish();
 }
 
 void frmSettings::Form_Load() {
     prepareWindow();
-    // The purge is the first user's alone, whatever the rights.
+    // The purge and the move of the soft copies are the first user's alone, whatever the rights.
     const bool firstUser = Session::CurrentUserID == 1;
     for (QWidget* control : {static_cast<QWidget*>(ui.cmdDelete), static_cast<QWidget*>(ui.dtpDelete),
-                             static_cast<QWidget*>(ui.chkFiles), static_cast<QWidget*>(ui.cmdSoftCopies)})
+                             static_cast<QWidget*>(ui.chkFiles), static_cast<QWidget*>(ui.cmdSoftCopies),
+                             static_cast<QWidget*>(ui.cmdMoveSoftCopies)})
         control->setEnabled(firstUser);
     for (const QString& kind : Kinds)
         pathBox(kind)->setText(Session::setting(kind).trimmed());

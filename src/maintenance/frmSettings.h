@@ -73,6 +73,7 @@ class frmSettings : public RecordForm {
         UI_CONTROL(QCheckBox, chkFiles);
         UI_CONTROL(platform::CommandButton, cmdDelete);
         UI_CONTROL(QLabel, lblProcess);
+        UI_CONTROL(platform::CommandButton, cmdMoveSoftCopies);
     };
     Controls ui;
 };

@@ -15,6 +15,7 @@
 #include "index/frmSearchDocument.h"
 #include "maintenance/frmDataBackup.h"
 #include "maintenance/frmLoginDetails.h"
+#include "maintenance/frmMoveSoftCopies.h"
 #include "maintenance/frmSettings.h"
 #include "platform/Controls.h"
 #include "support/ScreenDriver.h"
@@ -31,7 +32,8 @@
 
 namespace {
 
-// One screen: the toolbar entry that opens it, the screen, its title, the controls hidden at
+// One screen: the toolbar entry that opens it (then ">" and the button of that screen that opens
+// it, for a screen opened from another), the screen, its title, the controls hidden at
 // opening, what its controls show, and its tab order from the first focus. What a control shows,
 // as "name=value" separated by "; ", is by its kind: a label's or a button's text; "cmd" the
 // captions of cmd(0), cmd(1), ... joined by "/"; a list view's headers joined by "/", a hidden
@@ -130,11 +132,11 @@ QList<Expected> table() {
         "lblDocSubCat=Document Sub-Category :; lblDocChildCat=Document Child Category :; "
         "lblDocTitle1=Document Title 1 :; lblDocTitle2=Document Title 2 :; Label2=Old Records; "
         "Label3=Delete old records before; lblDeleteFiles=Delete related files stored on Hard disk also; "
-        "cmdDelete=Proceed; dtpDelete=dd/MMM/yyyy today; chkFiles=0",
+        "cmdDelete=Proceed; dtpDelete=dd/MMM/yyyy today; chkFiles=0; cmdMoveSoftCopies=Move Soft Copies...",
         "txtImagePath cmd(2) txtWordPath cmd(3) txtExcelPath cmd(4) txtPDFPath cmd(5) lstOcrLanguages "
         "cmdSoftCopies txtDocType "
         "txtDocCat txtDocSubCat txtDocChildCat txtDocTitle1 txtDocTitle2 dtpDelete chkFiles cmdDelete "
-        "cmd(0) cmd(1)");
+        "cmdMoveSoftCopies cmd(0) cmd(1)");
     add("ImgLogin", frmLoginDetails::instance(), "Login details", "lstUsers",
         "cmd=Reset/Edit/Save/Close; lblEmail=User name :; Label1=Password :; lblView=Only View :; "
         "lblSave=Save data :; lblModify=Modify data :; txtUserName=25; txtPassword=25 pw; chkView=1; "
@@ -144,6 +146,11 @@ QList<Expected> table() {
         "cmd=Close; Label1=Step 1 :; Label2=Step 2 :; lblBackupPath=Backup Path :; cmdRepair=Check && "
         "Repair Errors in Database; cmdBrowse=Browse; cmdStartBackup=Start Backup; txtPath=2147483647 ro",
         "cmdRepair cmdBrowse cmdStartBackup cmd");
+    add("ImgSettings>cmdMoveSoftCopies", frmMoveSoftCopies::instance(), "Move Soft Copies", "",
+        "lblOldFolder=Old folder :; lblNewFolder=New folder :; cmdBrowseOld=Browse; cmdBrowseNew=Browse; "
+        "lblCounts=; cmdCount=Count; cmdMove=Move; cmdClose=Close; txtOldFolder=2147483647; "
+        "txtNewFolder=2147483647",
+        "txtOldFolder cmdBrowseOld txtNewFolder cmdBrowseNew cmdCount cmdMove cmdClose");
     return all;
 }
 
@@ -197,7 +204,9 @@ class TestScreens : public QObject {
     std::unique_ptr<testsupport::TestEnvironment> env;
 
     QWidget* open(const Expected& e) {
-        MDI::instance().entryClick(e.entry);
+        MDI::instance().entryClick(e.entry.section(QLatin1Char('>'), 0, 0));
+        if (const QString button = e.entry.section(QLatin1Char('>'), 1); !button.isEmpty())
+            testsupport::press(frmSettings::instance(), button);
         return e.form->window();
     }
 
@@ -237,6 +246,25 @@ class TestScreens : public QObject {
             QCOMPARE(testsupport::tabOrder(w), e.tabs);
         }
         QCOMPARE(testsupport::messages(), QStringList());
+    }
+
+    // Move Soft Copies works by the keyboard alone; Escape keeps it and its text, Ctrl+F4 closes it.
+    void moveSoftCopiesByKeyboard() {
+        QWidget* w = open(table().constLast());
+        QVERIFY(QTest::qWaitForWindowActive(MDI::instance().window()));
+        auto* box = w->findChild<QLineEdit*>(QStringLiteral("txtOldFolder"));
+        box->setFocus();
+        for (const char* keys : {"/nowhere", "\t", "\t", "/tmp", "\t", "\t"})
+            QTest::keyClicks(QApplication::focusWidget(), keys);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QVERIFY(
+            w->findChild<QLabel*>(QStringLiteral("lblCounts"))->text().startsWith(QLatin1String("0 doc")));
+        QTest::keyClick(box, Qt::Key_Escape);
+        QVERIFY(frmMoveSoftCopies::instance().isLoaded());
+        QCOMPARE(box->text(), QStringLiteral("/nowhere"));
+        QTest::keyClick(box, Qt::Key_F4, Qt::ControlModifier);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!frmMoveSoftCopies::instance().isLoaded());
     }
 
     // Every label and button shows whole inside its screen, and the screen inside the main

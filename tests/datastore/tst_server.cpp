@@ -131,6 +131,19 @@ void ServerTest::softCopiesFollowTheirDocumentsAndCome() {
     c->Execute(QStringLiteral("Delete from Vorlane where IndexID=7"));
     QCOMPARE(column(c, QStringLiteral("Select IndexID from SoftCopy order by IndexID")),
              (QVariantList{qint64(1), qint64(8)}));
+
+    // The triggers' function of an earlier version, which made any other path wait, is made anew:
+    // a path that names the file the text was read from (its folder moved) keeps the text.
+    c->Execute(QStringLiteral("Update SoftCopy set ReadState='read', ReadPath='new/B.pdf'"));
+    c.reset();
+    db::openOdbcSource(QStringLiteral("Vorlane"), User, Password)
+        ->execute(QStringLiteral("CREATE OR REPLACE FUNCTION \"SoftCopyFollows\"() RETURNS trigger LANGUAGE "
+                                 "plpgsql AS $$ BEGIN UPDATE \"SoftCopy\" SET \"ReadState\" = 'waiting'; "
+                                 "RETURN NEW; END $$"));
+    c = open();
+    c->Execute(QStringLiteral("Update Vorlane set FilePath='new/B.pdf'"));
+    QCOMPARE(column(c, QStringLiteral("Select count(IndexID) from SoftCopy where ReadState='read'")),
+             QVariantList{qint64(2)});
 }
 
 void ServerTest::loginsAndUnreachableServer() {

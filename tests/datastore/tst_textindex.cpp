@@ -428,6 +428,17 @@ void TextIndexTest::olderDatabaseGetsTheSoftCopiesAtItsFirstOpen() {
     QCOMPARE(keys(*engine, QStringLiteral("SELECT IndexID FROM SoftCopy")), (QList<qint64>{2}));
     QVERIFY(shell.count(
                 QStringLiteral("SELECT count(*) FROM SoftCopyText WHERE SoftCopyText MATCH 'lease'")) == 0);
+
+    // The path trigger of an earlier version, which made any other path wait, is made anew: a path
+    // that names the file the text was read from (its folder moved) keeps the text.
+    shell.exec(QStringLiteral("DROP TRIGGER SoftCopyFollowsPath"));
+    shell.exec(QStringLiteral("CREATE TRIGGER SoftCopyFollowsPath AFTER UPDATE OF FilePath ON Vorlane BEGIN "
+                              "UPDATE SoftCopy SET ReadState = 'waiting' WHERE IndexID = new.IndexID; END"));
+    shell.exec(QStringLiteral("UPDATE SoftCopy SET ReadState = 'read', ReadPath = 'new/B.pdf'"));
+    engine = openEngine();
+    shell.exec(QStringLiteral("UPDATE Vorlane SET FilePath = 'new/B.pdf'"));
+    QCOMPARE(keys(*engine, QStringLiteral("SELECT IndexID FROM SoftCopy WHERE ReadState = 'read'")),
+             (QList<qint64>{2}));
 }
 
 void TextIndexTest::seatThatCannotBuildItReadsEveryRow() {

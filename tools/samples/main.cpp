@@ -292,6 +292,19 @@ bool writeScreens(const QDir& folder) {
     QCoreApplication::processEvents();
     ok &= save(frame(states), folder, QStringLiteral("softcopy-state.png"));
     frame(states)->close();
+    // The scanned letter's folder counted for a move to a copy of it.
+    MDI::instance().entryClick(QStringLiteral("ImgSettings"));
+    settings = MDI::instance().area()->activeSubWindow()->widget();
+    settings->findChild<QPushButton*>(QStringLiteral("cmdMoveSoftCopies"))->click();
+    QWidget* move = MDI::instance().area()->activeSubWindow()->widget();
+    const QString copies = folder.filePath(QStringLiteral("moved"));
+    QDir().mkpath(copies);
+    QFile::copy(scan, QDir(copies).filePath(QStringLiteral("letter-0314.pdf")));
+    move->findChild<QLineEdit*>(QStringLiteral("txtOldFolder"))->setText(folder.absolutePath());
+    move->findChild<QLineEdit*>(QStringLiteral("txtNewFolder"))->setText(copies);
+    move->findChild<QPushButton*>(QStringLiteral("cmdCount"))->click();
+    QCoreApplication::processEvents();
+    ok &= save(frame(move), folder, QStringLiteral("frmMoveSoftCopies.png"));
 
     MDI::instance().entryClick(QStringLiteral("ImgFile"));
     frmFile& file = frmFile::instance();

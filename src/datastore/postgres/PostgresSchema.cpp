@@ -50,12 +50,13 @@ QStringList indexStatements(const Table& t) {
 
 // The triggers that keep each document's soft copy row, whoever writes: a new document brings
 // it, waiting; deleting a document deletes it; changing its path (as written: another letter
-// case may name another file) makes it wait to be read again, and changing its date carries the
+// case may name another file) makes it wait to be read again, unless the text was read from the
+// file that the path now names (the soft copies' folder moved), and changing its date carries the
 // date over. Then the index of the waiting, newest first.
 QStringList followStatements() {
     return {
         QStringLiteral(
-            "CREATE FUNCTION \"SoftCopyFollows\"() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+            "CREATE OR REPLACE FUNCTION \"SoftCopyFollows\"() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
             "IF TG_OP = 'DELETE' THEN DELETE FROM \"SoftCopy\" WHERE \"IndexID\" = OLD.\"IndexID\"; "
             "RETURN OLD; END IF; "
             "IF TG_OP = 'INSERT' THEN INSERT INTO \"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") "
@@ -65,7 +66,9 @@ QStringList followStatements() {
             "= NEW.\"DocDate\" WHERE \"IndexID\" = NEW.\"IndexID\"; END IF; "
             "IF OLD.\"FilePath\"::text IS DISTINCT FROM NEW.\"FilePath\"::text THEN UPDATE \"SoftCopy\" "
             "SET \"ReadState\" = 'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE \"IndexID\" = "
-            "NEW.\"IndexID\"; END IF; RETURN NEW; END $$"),
+            "NEW.\"IndexID\" AND \"ReadPath\"::text IS DISTINCT FROM NEW.\"FilePath\"::text; END IF; RETURN "
+            "NEW; "
+            "END $$"),
         QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsInsert\" AFTER INSERT ON \"Vorlane\" FOR EACH ROW "
                        "EXECUTE FUNCTION \"SoftCopyFollows\"()"),
         QStringLiteral("CREATE TRIGGER \"SoftCopyFollowsDelete\" AFTER DELETE ON \"Vorlane\" FOR EACH ROW "
@@ -92,7 +95,11 @@ QStringList creationStatements() {
 // the catalogue only: it comes with every connection.
 QStringList laterStatements(PostgresEngine& engine) {
     QVector<const Table*> later;
-    QStringList probes{QStringLiteral("(to_regclass('\"Vorlane\"') IS NOT NULL)::int")};
+    QStringList probes{QStringLiteral("(to_regclass('\"Vorlane\"') IS NOT NULL)::int"),
+                       // The function of the triggers as an earlier version made it.
+                       QStringLiteral("(to_regproc('\"SoftCopyFollows\"') IS NOT NULL AND "
+                                      "position('\"ReadPath\"' in pg_get_functiondef(to_regproc("
+                                      "'\"SoftCopyFollows\"'))) = 0)::int")};
     for (const Table& t : schema())
         if (t.addedLater) {
             later << &t;
@@ -104,13 +111,15 @@ QStringList laterStatements(PostgresEngine& engine) {
     if (present.isEmpty() || present[0].toInt() == 0)
         return out;
     for (int i = 0; i < later.size(); ++i)
-        if (present.value(i + 1).toInt() == 0)
+        if (present.value(i + 2).toInt() == 0)
             out << createTable(*later[i]) << indexStatements(*later[i]);
     // The documents of before come waiting, as a new one does.
     if (!out.isEmpty())
         out << followStatements()
             << QStringLiteral("INSERT INTO \"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") SELECT "
                               "\"IndexID\", \"DocDate\", 'waiting' FROM \"Vorlane\" ON CONFLICT DO NOTHING");
+    else if (present.value(1).toInt() != 0)
+        out << followStatements().constFirst();
     return out;
 }
 

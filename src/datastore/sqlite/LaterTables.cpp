@@ -20,16 +20,26 @@ bool run(sqlite3* handle, const QString& sql) {
     return sqlite3_exec(handle, sql.toUtf8().constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-bool exists(sqlite3* handle, const QString& name) {
-    sqlite3_stmt* statement = nullptr;
-    bool found = false;
-    if (sqlite3_prepare_v2(handle, "SELECT 1 FROM sqlite_master WHERE name=?1 COLLATE NOCASE", -1, &statement,
-                           nullptr) == SQLITE_OK) {
+// What the file holds under a name: nothing, what this version makes, or a trigger of an earlier
+// version (made again; a table or an index is never made again).
+enum class Held { Nothing, Current, EarlierTrigger };
+
+Held held(sqlite3* handle, const QString& name, const QString& statement) {
+    sqlite3_stmt* query = nullptr;
+    Held found = Held::Nothing;
+    if (sqlite3_prepare_v2(handle, "SELECT type, sql FROM sqlite_master WHERE name=?1 COLLATE NOCASE", -1,
+                           &query, nullptr) == SQLITE_OK) {
         const QByteArray bytes = name.toUtf8();
-        sqlite3_bind_text(statement, 1, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
-        found = sqlite3_step(statement) == SQLITE_ROW;
+        sqlite3_bind_text(query, 1, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
+        if (sqlite3_step(query) == SQLITE_ROW) {
+            const auto text = [query](int column) {
+                return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(query, column)));
+            };
+            found = text(0) == QLatin1String("trigger") && text(1) != statement ? Held::EarlierTrigger
+                                                                                : Held::Current;
+        }
     }
-    sqlite3_finalize(statement);
+    sqlite3_finalize(query);
     return found;
 }
 
@@ -47,32 +57,35 @@ QList<std::pair<QString, QString>> parts() {
 
 bool allPresent(sqlite3* handle) {
     const auto all = parts();
-    return std::all_of(all.cbegin(), all.cend(), [handle](const auto& p) { return exists(handle, p.first); });
+    return std::all_of(all.cbegin(), all.cend(),
+                       [handle](const auto& p) { return held(handle, p.first, p.second) == Held::Current; });
 }
 
 } // namespace
 
 QStringList followStatements() {
-    // The path compares as written: another letter case may name another file.
-    return {
-        QStringLiteral("CREATE TRIGGER \"%1\" AFTER INSERT ON \"Vorlane\" BEGIN INSERT OR IGNORE INTO "
-                       "\"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") VALUES (new.\"IndexID\", "
-                       "new.\"DocDate\", 'waiting'); END")
-            .arg(QString::fromLatin1(FollowInsert)),
-        QStringLiteral("CREATE TRIGGER \"%1\" AFTER DELETE ON \"Vorlane\" BEGIN DELETE FROM \"SoftCopy\" "
-                       "WHERE \"IndexID\" = old.\"IndexID\"; END")
-            .arg(QString::fromLatin1(FollowDelete)),
-        QStringLiteral("CREATE TRIGGER \"%1\" AFTER UPDATE OF \"FilePath\" ON \"Vorlane\" WHEN "
-                       "old.\"FilePath\" COLLATE BINARY IS NOT new.\"FilePath\" BEGIN UPDATE \"SoftCopy\" "
-                       "SET \"ReadState\" = 'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE "
-                       "\"IndexID\" = new.\"IndexID\"; END")
-            .arg(QString::fromLatin1(FollowPath)),
-        QStringLiteral(
-            "CREATE TRIGGER \"%1\" AFTER UPDATE OF \"DocDate\" ON \"Vorlane\" BEGIN UPDATE "
-            "\"SoftCopy\" SET \"DocDate\" = new.\"DocDate\" WHERE \"IndexID\" = new.\"IndexID\"; END")
-            .arg(QString::fromLatin1(FollowDate)),
-        QStringLiteral("CREATE INDEX \"%1\" ON \"SoftCopy\" (\"ReadState\", \"DocDate\", \"IndexID\")")
-            .arg(QString::fromLatin1(Queue))};
+    // The path compares as written: another letter case may name another file. A path that names
+    // the very file the text was read from keeps the text (the soft copies' folder moved).
+    return {QStringLiteral("CREATE TRIGGER \"%1\" AFTER INSERT ON \"Vorlane\" BEGIN INSERT OR IGNORE INTO "
+                           "\"SoftCopy\" (\"IndexID\", \"DocDate\", \"ReadState\") VALUES (new.\"IndexID\", "
+                           "new.\"DocDate\", 'waiting'); END")
+                .arg(QString::fromLatin1(FollowInsert)),
+            QStringLiteral("CREATE TRIGGER \"%1\" AFTER DELETE ON \"Vorlane\" BEGIN DELETE FROM \"SoftCopy\" "
+                           "WHERE \"IndexID\" = old.\"IndexID\"; END")
+                .arg(QString::fromLatin1(FollowDelete)),
+            QStringLiteral(
+                "CREATE TRIGGER \"%1\" AFTER UPDATE OF \"FilePath\" ON \"Vorlane\" WHEN "
+                "old.\"FilePath\" COLLATE BINARY IS NOT new.\"FilePath\" BEGIN UPDATE \"SoftCopy\" "
+                "SET \"ReadState\" = 'waiting', \"Reason\" = NULL, \"SoftText\" = NULL WHERE "
+                "\"IndexID\" = new.\"IndexID\" AND \"ReadPath\" COLLATE BINARY IS NOT new.\"FilePath\"; "
+                "END")
+                .arg(QString::fromLatin1(FollowPath)),
+            QStringLiteral(
+                "CREATE TRIGGER \"%1\" AFTER UPDATE OF \"DocDate\" ON \"Vorlane\" BEGIN UPDATE "
+                "\"SoftCopy\" SET \"DocDate\" = new.\"DocDate\" WHERE \"IndexID\" = new.\"IndexID\"; END")
+                .arg(QString::fromLatin1(FollowDate)),
+            QStringLiteral("CREATE INDEX \"%1\" ON \"SoftCopy\" (\"ReadState\", \"DocDate\", \"IndexID\")")
+                .arg(QString::fromLatin1(Queue))};
 }
 
 bool openLaterTables(sqlite3* handle) {
@@ -84,8 +97,11 @@ bool openLaterTables(sqlite3* handle) {
     if (!run(handle, QStringLiteral("BEGIN IMMEDIATE")))
         return false;
     bool made = true;
-    for (const auto& [name, statement] : parts())
-        if (made && !exists(handle, name)) {
+    for (const auto& [name, statement] : parts()) {
+        const Held now = made ? held(handle, name, statement) : Held::Current;
+        if (now == Held::EarlierTrigger)
+            made = run(handle, QStringLiteral("DROP TRIGGER \"%1\"").arg(name));
+        if (made && now != Held::Current) {
             made = run(handle, statement);
             // The documents of before come waiting, as a new one does.
             if (made && name == QLatin1String(FollowInsert))
@@ -93,6 +109,7 @@ bool openLaterTables(sqlite3* handle) {
                                                   "\"DocDate\", \"ReadState\") SELECT \"IndexID\", "
                                                   "\"DocDate\", 'waiting' FROM \"Vorlane\""));
         }
+    }
     made = made && run(handle, QStringLiteral("COMMIT"));
     if (!made)
         run(handle, QStringLiteral("ROLLBACK"));
