@@ -21,6 +21,8 @@ struct Tesseract {
     decltype(&TessBaseAPIGetUTF8Text) text = nullptr;
     decltype(&TessDeleteText) deleteText = nullptr;
     decltype(&TessBaseAPIEnd) end = nullptr;
+    decltype(&TessBaseAPIGetAvailableLanguagesAsVector) languages = nullptr;
+    decltype(&TessDeleteTextArray) deleteTextArray = nullptr;
 };
 
 template <typename F> bool find(void* library, F& function, const char* name) {
@@ -42,7 +44,9 @@ const Tesseract* tesseract() {
                            find(library, t.setSourceResolution, "TessBaseAPISetSourceResolution") &&
                            find(library, t.text, "TessBaseAPIGetUTF8Text") &&
                            find(library, t.deleteText, "TessDeleteText") &&
-                           find(library, t.end, "TessBaseAPIEnd");
+                           find(library, t.end, "TessBaseAPIEnd") &&
+                           find(library, t.languages, "TessBaseAPIGetAvailableLanguagesAsVector") &&
+                           find(library, t.deleteTextArray, "TessDeleteTextArray");
         return found ? &t : nullptr;
     }();
     return loaded;
@@ -87,19 +91,23 @@ QString Ocr::read(const QImage& image, int dpi) {
 }
 
 QStringList installedLanguages() {
-    tesseract::TessBaseAPI api;
-    api.SetVariable("debug_file", "/dev/null");
+    const Tesseract* const t = tesseract();
+    if (!t)
+        return {};
+    TessBaseAPI* const api = t->create();
+    t->setVariable(api, "debug_file", "/dev/null");
     // Tesseract finds its data folder at Init; the languages of that folder come after. English
     // may be missing, the page-layout data rarely is.
-    if (api.Init(nullptr, "eng") != 0 && api.Init(nullptr, "osd") != 0)
-        return {};
-    std::vector<std::string> found;
-    api.GetAvailableLanguagesAsVector(&found);
-    api.End();
     QStringList names;
-    for (const std::string& name : found)
-        if (name != "osd")
-            names << QString::fromStdString(name);
+    if (t->init(api, nullptr, "eng") == 0 || t->init(api, nullptr, "osd") == 0) {
+        char** const found = t->languages(api);
+        for (char** name = found; name && *name; ++name)
+            if (qstrcmp(*name, "osd") != 0)
+                names << QString::fromUtf8(*name);
+        t->deleteTextArray(found);
+    }
+    t->end(api);
+    t->destroy(api);
     return names;
 }
 
