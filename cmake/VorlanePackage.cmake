@@ -75,7 +75,9 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 # driver manager's tools, the OCR's English data and what the maintainer scripts call are named here.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "adduser, debconf (>= 0.5) | debconf-2.0, libqt6sql6-sqlite, libqt6sql6-odbc, libqt6svg6, qt6-image-formats-plugins, qt6-qpa-plugins, tesseract-ocr-eng, unixodbc")
+    # libtesseract5 is named here: the reader loads it only when it reads a picture, so the
+    # package tools do not find it among the libraries it is linked with.
+    "adduser, debconf (>= 0.5) | debconf-2.0, libqt6sql6-sqlite, libqt6sql6-odbc, libqt6svg6, qt6-image-formats-plugins, qt6-qpa-plugins, libtesseract5, tesseract-ocr-eng, unixodbc")
 # A workstation of an office whose data lies on a PostgreSQL server reaches it through this driver.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "odbc-postgresql")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
