@@ -1,5 +1,6 @@
 #include "SoftCopyWork.h"
 
+#include "datastore/SqlText.h"
 #include "session/GenMod.h"
 
 #include <QDir>
@@ -12,12 +13,6 @@ namespace {
 
 // The document saved last in this program, to be read next; 0 for none.
 std::atomic<qint64> savedLast{0};
-
-QString quoted(const QString& text) {
-    QString inner = text;
-    inner.replace(QLatin1Char('\''), QStringLiteral("''"));
-    return QLatin1Char('\'') + inner + QLatin1Char('\'');
-}
 
 QString stamp(const QDateTime& time) {
     return time.toUTC().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz"));
@@ -87,7 +82,7 @@ template <typename Work> auto SoftCopyWork::inTransaction(Work work) {
 
 std::optional<SoftCopyClaim> SoftCopyWork::claimNext(const QDateTime& now) {
     const QString free = QStringLiteral(" and (S.ClaimedAt is null or S.ClaimedAt < %1)")
-                             .arg(quoted(stamp(now.addSecs(-60LL * m_claimMinutes))));
+                             .arg(db::sql::quoteString(stamp(now.addSecs(-60LL * m_claimMinutes))));
     const qint64 saved = savedLast.exchange(0);
     return inTransaction([&](const db::ConnectionPtr& c) -> std::optional<SoftCopyClaim> {
         // The waiting come newest first through the queue's index; those left for other seats
@@ -110,7 +105,8 @@ std::optional<SoftCopyClaim> SoftCopyWork::claimNext(const QDateTime& now) {
         rs.Close();
         if (claim)
             c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=%1, ClaimedAt=%2 where IndexID=%3")
-                           .arg(quoted(m_seat), quoted(stamp(now)), QString::number(claim->indexId)));
+                           .arg(db::sql::quoteString(m_seat), db::sql::quoteString(stamp(now)),
+                                QString::number(claim->indexId)));
         return claim;
     });
 }
@@ -132,7 +128,8 @@ SoftCopyReading SoftCopyWork::read(const QString& path) const {
 void SoftCopyWork::store(const SoftCopyClaim& claim, const SoftCopyReading& reading) {
     inTransaction([&](const db::ConnectionPtr& c) {
         const QString id = QString::number(claim.indexId);
-        const QString held = QStringLiteral(" where IndexID=%1 and ClaimedBy=%2").arg(id, quoted(m_seat));
+        const QString held =
+            QStringLiteral(" where IndexID=%1 and ClaimedBy=%2").arg(id, db::sql::quoteString(m_seat));
         db::Recordset rs;
         rs.Open(QStringLiteral("Select FilePath from Vorlane where IndexID=") + id, c, db::adOpenForwardOnly,
                 db::adLockReadOnly);
@@ -146,10 +143,11 @@ void SoftCopyWork::store(const SoftCopyClaim& claim, const SoftCopyReading& read
         const SoftCopyText& r = reading.result;
         c->Execute(QStringLiteral("Update SoftCopy set ReadPath=%1, FileSize=%2, FileTime=%3, ReadState=%4, "
                                   "Reason=%5, SoftText=%6, ClaimedBy=Null, ClaimedAt=Null")
-                       .arg(quoted(claim.path), quoted(reading.size), quoted(reading.modified),
-                            quoted(stateName(r.state)),
-                            r.reason.isEmpty() ? QStringLiteral("Null") : quoted(r.reason),
-                            r.state == SoftCopyText::State::Read ? quoted(r.text) : QStringLiteral("Null")) +
+                       .arg(db::sql::quoteString(claim.path), db::sql::quoteString(reading.size),
+                            db::sql::quoteString(reading.modified), db::sql::quoteString(stateName(r.state)),
+                            r.reason.isEmpty() ? QStringLiteral("Null") : db::sql::quoteString(r.reason),
+                            r.state == SoftCopyText::State::Read ? db::sql::quoteString(r.text)
+                                                                 : QStringLiteral("Null")) +
                    held);
         return 0;
     });

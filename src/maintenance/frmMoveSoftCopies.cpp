@@ -2,6 +2,7 @@
 
 #include "BrowseFolder.h"
 #include "datastore/Ado.h"
+#include "datastore/SqlText.h"
 #include "platform/Conversions.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
@@ -36,12 +37,6 @@ QString folderOf(const QString& typed) {
 // What every path under `folder` starts with.
 QString prefixOf(const QString& folder) {
     return folder.endsWith(Separator) ? folder : folder + Separator;
-}
-
-QString quoted(const QString& text) {
-    QString inner = text;
-    inner.replace(QLatin1Char('\''), QStringLiteral("''"));
-    return QLatin1Char('\'') + inner + QLatin1Char('\'');
 }
 
 QString keyList(const QList<qint64>& keys, qsizetype from, qsizetype count) {
@@ -106,7 +101,7 @@ qint64 movePaths(const QString& oldPrefix, const QString& newPrefix) {
     const QString cut = QString::number(oldPrefix.toUcs4().size() + 1);
     const auto moved = [&](const char* column) {
         const QString name = QString::fromLatin1(column);
-        return name + QStringLiteral("=%1 || substr(%2, %3)").arg(quoted(newPrefix), name, cut);
+        return name + QStringLiteral("=%1 || substr(%2, %3)").arg(db::sql::quoteString(newPrefix), name, cut);
     };
     for (qsizetype from = 0; from < readUnder.size(); from += KeysPerStatement)
         GenMod::Conn->Execute(QStringLiteral("Update SoftCopy set %1 where IndexID in (%2)")
