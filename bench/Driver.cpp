@@ -194,8 +194,9 @@ struct {
 void startReading() {
     SoftCopyWork& work = MDI::instance().softCopyWork();
     work.reader().setHelper(QStringLiteral(VORLANE_READER));
-    QObject::connect(&work, &SoftCopyWork::stored, [] { ++background.stored; });
-    QObject::connect(&work, &SoftCopyWork::idle, [] { background.idle = true; });
+    // Counted in this thread: the work tells from its own.
+    QObject::connect(&work, &SoftCopyWork::stored, qApp, [] { ++background.stored; });
+    QObject::connect(&work, &SoftCopyWork::idle, qApp, [] { background.idle = true; });
     MDI::instance().startSoftCopyReading();
 }
 

@@ -329,9 +329,8 @@ SoftCopyWork& MDI::softCopyWork() {
                              this);
         connect(m_reading, &SoftCopyWork::progress, this, &MDI::showReading);
         connect(m_reading, &SoftCopyWork::idle, this, [this] { showReading(0, 0); });
-        // The thread ends before the program does.
-        connect(qApp, &QCoreApplication::aboutToQuit, this,
-                [this] { delete std::exchange(m_reading, nullptr); });
+        // The worker thread ends before the application object goes, however the program ends.
+        qAddPostRoutine([] { delete std::exchange(MDI::instance().m_reading, nullptr); });
     }
     return *m_reading;
 }
