@@ -2,12 +2,12 @@
 
 #include "index/reader/ReaderExit.h"
 
+#include <QImage>
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
 #include <memory>
 
-class QImage;
 namespace tesseract {
 class TessBaseAPI;
 }
@@ -46,6 +46,22 @@ class Ocr {
 
 // The OCR languages installed on this machine, by Tesseract's names, without its page-layout data.
 QStringList installedLanguages();
+
+// The kinds of file whose text is read.
+enum class FileKind { Pdf, Picture, Office, Plain };
+// The kind of the file at `path`, after the checks that come before any reading: a folder, a
+// missing file, a kind whose text is not read, a file that may not be opened each throw.
+FileKind checkFile(const QString& path);
+
+// What the preview of a page shows: a picture of it, or its text where the kind has no pictures,
+// with the number of pages and the page's text where it has one.
+struct Preview {
+    int pages = 1;
+    QString text;
+    QImage image;
+};
+// Page `page` (from 1; a later one is the last) of the file, `width` pixels wide.
+Preview preview(const QString& path, int page, int width, const Limits& limits);
 
 QString readPdf(const QString& path, const Limits& limits);
 QString readPicture(const QString& path, const Limits& limits);

@@ -5,6 +5,7 @@
 // and says why on the last line of stderr.
 #include "index/reader/Readers.h"
 
+#include <QBuffer>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
@@ -49,36 +50,32 @@ void limitSelf(qint64 memoryMb, qint64 cpuSeconds) {
 }
 
 QString readText(const QString& path, const reader::Limits& limits) {
-    const QFileInfo info(path);
-    if (info.isDir())
-        throw Failure{reader::Folder, QStringLiteral("The path names a folder, not a file.")};
-    if (!info.exists())
-        throw Failure{reader::Missing, QStringLiteral("There is no file at this path.")};
-    static const QStringList pictures{QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
-                                      QStringLiteral("gif"), QStringLiteral("png"), QStringLiteral("tif"),
-                                      QStringLiteral("tiff")};
-    static const QStringList office{QStringLiteral("docx"), QStringLiteral("xlsx"), QStringLiteral("odt"),
-                                    QStringLiteral("ods")};
-    static const QStringList plain{QStringLiteral("txt"), QStringLiteral("text"), QStringLiteral("csv"),
-                                   QStringLiteral("tsv"), QStringLiteral("log"),  QStringLiteral("md")};
-    const QString kind = info.suffix().toLower();
-    if (kind != QLatin1String("pdf") && !pictures.contains(kind) && !office.contains(kind) &&
-        !plain.contains(kind))
-        throw Failure{reader::NoTextForType,
-                      kind.isEmpty()
-                          ? QStringLiteral("No text can be read from this kind of file.")
-                          : QStringLiteral("No text can be read from this kind of file (.%1).").arg(kind)};
-    // The libraries would take a file that may not be read for a damaged one.
-    if (QFile probe(path); !probe.open(QIODevice::ReadOnly))
-        throw Failure{reader::CannotOpen,
-                      QStringLiteral("The file cannot be opened: %1.").arg(probe.errorString())};
-    if (kind == QLatin1String("pdf"))
+    switch (reader::checkFile(path)) {
+    case reader::FileKind::Pdf:
         return readPdf(path, limits);
-    if (pictures.contains(kind))
+    case reader::FileKind::Picture:
         return readPicture(path, limits);
-    if (office.contains(kind))
+    case reader::FileKind::Office:
         return readOffice(path, limits);
+    case reader::FileKind::Plain:
+        break;
+    }
     return readPlainText(path, limits);
+}
+
+// The preview as handed over: "pages N", "text BYTES" and the page's text in UTF-8, then
+// "image BYTES" and the JPEG of the page (0 bytes where the kind shows text), each head on a line.
+QByteArray previewBytes(const QString& path, int page, int width, const reader::Limits& limits) {
+    const reader::Preview shown = reader::preview(path, qMax(1, page), qMax(16, width), limits);
+    const QByteArray text = shown.text.toUtf8();
+    QByteArray png;
+    if (!shown.image.isNull()) {
+        QBuffer buffer(&png);
+        buffer.open(QIODevice::WriteOnly);
+        shown.image.save(&buffer, "JPG", 85);
+    }
+    return "pages " + QByteArray::number(shown.pages) + "\ntext " + QByteArray::number(text.size()) + '\n' +
+           text + "image " + QByteArray::number(png.size()) + '\n' + png;
 }
 
 // Ends the reader at once. A reader whose memory ran out may hold a library's lock, and the
@@ -119,7 +116,12 @@ int main(int argc, char** argv) {
                                       QStringLiteral("MB"), QStringLiteral("32"));
     const QCommandLineOption list(QStringLiteral("list-languages"),
                                   QStringLiteral("prints the OCR languages installed, one a line"));
-    parser.addOptions({languages, memory, cpu, pixels, unpacked, textSize, list});
+    const QCommandLineOption previewPage(QStringLiteral("preview"),
+                                         QStringLiteral("the preview of this page instead of the text"),
+                                         QStringLiteral("page"));
+    const QCommandLineOption previewWidth(QStringLiteral("width"), QStringLiteral("width of the preview"),
+                                          QStringLiteral("pixels"), QStringLiteral("800"));
+    parser.addOptions({languages, memory, cpu, pixels, unpacked, textSize, list, previewPage, previewWidth});
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("the soft copy to read"));
     const bool parsed = parser.parse(arguments);
     const auto number = [&parser](const QCommandLineOption& option) -> qint64 {
@@ -147,12 +149,17 @@ int main(int argc, char** argv) {
         !limits.maxPixels || !limits.unpackedBytes || !limits.textBytes || !memoryMb || !cpuSeconds)
         fail(reader::Usage, QStringLiteral("usage: vorlane-reader [--languages eng] [--memory-mb 1024] "
                                            "[--cpu-seconds 60] [--max-megapixels 100] [--unpacked-mb 256] "
-                                           "[--text-mb 32] FILE | --list-languages"));
+                                           "[--text-mb 32] [--preview PAGE [--width 800]] FILE | "
+                                           "--list-languages"));
     limitSelf(memoryMb, cpuSeconds);
 
     const QCoreApplication app(argc, argv);
     try {
-        const QByteArray text = readText(parser.positionalArguments().constFirst(), limits).toUtf8();
+        const QString path = parser.positionalArguments().constFirst();
+        const QByteArray text = parser.isSet(previewPage)
+                                    ? previewBytes(path, int(number(previewPage)),
+                                                   int(qMin<qint64>(number(previewWidth), 20000)), limits)
+                                    : readText(path, limits).toUtf8();
         QFile out;
         if (!out.open(stdout, QIODevice::WriteOnly) || out.write(text) != text.size() || !out.flush())
             fail(reader::CannotOpen, QStringLiteral("The text could not be handed over."));
