@@ -22,7 +22,7 @@ namespace {
 constexpr int TitleLength = 200;
 constexpr int PathLength = 250;
 constexpr int BookmarkLength = 200;
-constexpr int FieldWidth = 380;
+constexpr int FieldWidth = 260;
 constexpr int RemarksHeight = 70;
 constexpr int ListHeight = 360;
 
@@ -97,6 +97,13 @@ QWidget* frmIndexDocument::build() {
     list->header()->setSectionsMovable(false);
 
     screen.addButtons(buttons.mid(0, 4));
+    // The preview of the soft copy whose path the box holds, chosen with Browse or loaded, so that
+    // the clerk sees that the right file is attached before saving.
+    auto* preview = ui.fraPreview.make(screen.window());
+    screen.addAside(preview, ui.chkPreview.make(screen.window()), preview->tabChain());
+    preview->bindToggle(ui.chkPreview, QStringLiteral("Index"));
+    preview->showFile(QString());
+    connect(path, &QLineEdit::textChanged, preview, &PreviewPane::showFile);
     connect(ui.cboDocCategory, &platform::ComboBox::Click, this, [this] { cboDocCategory_Click(); });
     connect(ui.cboDocSubCategory, &platform::ComboBox::Click, this, [this] { cboDocSubCategory_Click(); });
     connect(list, &platform::ListView::DblClick, this, [this] { untrapped([this] { lstDocs_DblClick(); }); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "index/PreviewPane.h"
 #include "session/EditCycle.h"
 
 #include <QLabel>
@@ -60,6 +61,8 @@ class frmIndexDocument : public RecordForm {
         UI_CONTROL(QLabel, lblRemarks);
         UI_CONTROL(QPlainTextEdit, txtRemarks);
         UI_CONTROL(platform::ListView, lstDocs);
+        UI_CONTROL(QCheckBox, chkPreview);
+        UI_CONTROL(PreviewPane, fraPreview);
     };
     Controls ui;
 };

@@ -16,6 +16,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 using platform::TrimStr;
@@ -24,7 +25,7 @@ namespace {
 
 constexpr int FieldWidth = 220;
 constexpr int ListHeight = 260;
-constexpr int ListWidth = 760;
+constexpr int ListWidth = 500;
 
 QString key(const platform::ComboBox* combo) {
     // The key is written as a plain decimal number.
@@ -75,9 +76,19 @@ QWidget* frmSearchDocument::build() {
 
     QList<QWidget*> order;
     buildCriteria(w, grid, order);
-    outer->addWidget(buildResultList(w), 1);
+    // The result list, and beside it the preview of the selected document.
+    auto* split = new QSplitter(Qt::Horizontal, w);
+    split->setChildrenCollapsible(false);
+    split->addWidget(buildResultList(w));
+    split->addWidget(ui.fraPreview.make(w));
+    split->setStretchFactor(0, 3);
+    split->setStretchFactor(1, 1);
+    outer->addWidget(split, 1);
     order << ui.lstList;
     outer->addLayout(buildBottomRow(w, order));
+    // The preview's controls come last, so that the keyboard's way through the screen of before
+    // is unchanged.
+    order << ui.chkPreview << ui.fraPreview->tabChain();
     for (int i = 1; i < order.size(); ++i)
         QWidget::setTabOrder(order[i - 1], order[i]);
     order.first()->setFocus();
@@ -178,6 +189,8 @@ QHBoxLayout* frmSearchDocument::buildBottomRow(QWidget* w, QList<QWidget*>& orde
         bottom->addWidget(button);
         order << button;
     }
+    bottom->addSpacing(12);
+    bottom->addWidget(ui.chkPreview.make(w));
     return bottom;
 }
 
@@ -185,6 +198,12 @@ void frmSearchDocument::connectHandlers() {
     connect(ui.cmdSearch, &QPushButton::clicked, this, [this] { untrapped([this] { cmdSearch_Click(); }); });
     connect(ui.lstList, &platform::ListView::DblClick, this,
             [this] { untrapped([this] { lstList_DblClick(); }); });
+    // The selection moves by click or by the arrow keys; a new list selects nothing.
+    connect(ui.lstList->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this] { lstList_SelectionChanged(); });
+    connect(ui.lstList->model(), &QAbstractItemModel::modelReset, this,
+            [this] { lstList_SelectionChanged(); });
+    ui.fraPreview->bindToggle(ui.chkPreview, QStringLiteral("Search"));
     connect(ui.cboDocCategory, &platform::ComboBox::Click, this, [this] { cboDocCategory_Click(); });
     connect(ui.cboDocSubCategory, &platform::ComboBox::Click, this, [this] { cboDocSubCategory_Click(); });
     connect(ui.dtpDocFrom, &platform::DatePicker::Change, this, [this] { dtpDocFrom_Change(); });
@@ -476,6 +495,16 @@ void frmSearchDocument::PrintSearchList() {
         platform::setMousePointer(platform::vbDefault);
         platform::MsgBox(QString::fromLocal8Bit(e.what()), platform::vbCritical);
     }
+}
+
+// The preview follows the selected row: its soft copy, or a word that nothing is selected.
+void frmSearchDocument::lstList_SelectionChanged() {
+    const platform::ListView* list = ui.lstList;
+    const QModelIndex current = list->currentIndex();
+    if (!current.isValid() || current.row() >= list->ListCount())
+        ui.fraPreview->showNothing(QStringLiteral("No document is selected."));
+    else
+        ui.fraPreview->showFile(TrimStr(list->itemText(current.row(), 8)));
 }
 
 // Opens the chosen document's soft copy in the viewer set under Settings for its kind. The

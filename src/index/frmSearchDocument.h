@@ -1,5 +1,6 @@
 #pragma once
 
+#include "index/PreviewPane.h"
 #include "session/EditCycle.h"
 
 #include <QGridLayout>
@@ -22,6 +23,7 @@ class frmSearchDocument : public CommandForm {
     void cmd_Click(int index) override;
     void cmdSearch_Click();
     void lstList_DblClick();
+    void lstList_SelectionChanged();
     void cboDocCategory_Click();
     void cboDocSubCategory_Click();
     void dtpDocFrom_Change();
@@ -86,6 +88,8 @@ class frmSearchDocument : public CommandForm {
         UI_CONTROL(platform::CommandButton, cmdSearch);
         UI_CONTROL(platform::ListView, lstList);
         UI_CONTROL(QLabel, lblNoOfRecords);
+        UI_CONTROL(QCheckBox, chkPreview);
+        UI_CONTROL(PreviewPane, fraPreview);
     };
     Controls ui;
 };

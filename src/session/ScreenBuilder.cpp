@@ -249,6 +249,15 @@ void ScreenBuilder::addButtons(const QList<QPushButton*>& buttons) {
         line->addStretch(1);
 }
 
+void ScreenBuilder::addAside(QWidget* pane, QWidget* toggle, const QList<QWidget*>& tabChain) {
+    Q_ASSERT(m_buttons == Buttons::Below);
+    pane->setParent(m_window);
+    toggle->setParent(m_window);
+    m_outer->addWidget(pane, 0, 1);
+    m_outer->addWidget(toggle, 1, 1, Qt::AlignLeft | Qt::AlignVCenter);
+    m_tabOrder << toggle << tabChain;
+}
+
 QWidget* ScreenBuilder::finish() {
     // The fields keep to the top when the window is taller than they need.
     m_grid->setRowStretch(m_row, 1);

@@ -82,6 +82,10 @@ class ScreenBuilder {
     void addBeside(QWidget* control);
 
     void addButtons(const QList<QPushButton*>& buttons);
+    // A pane at the right of the fields and the list, such as the preview of a soft copy, with
+    // the box that shows and hides it at the end of the row of buttons below. The keyboard
+    // reaches them after the buttons.
+    void addAside(QWidget* pane, QWidget* toggle, const QList<QWidget*>& tabChain);
 
     // Sets the tab order and the first focus; returns the window.
     QWidget* finish();

@@ -66,7 +66,8 @@ QList<Expected> table() {
         "ro; lstDocs=[IndexID]/Title 1/Title 2/Doc. Date/Followup Date/Bookmark; lstDocs.tip=Double click "
         "a record to edit",
         "dtpDocDate dtpFollowUp cboDocType cboDocCategory cboDocSubCategory cboDocChildCategory txtTitle1 "
-        "txtTitle2 cmd(4) cboFile txtBookmark txtRemarks lstDocs cmd(0) cmd(1) cmd(2) cmd(3)");
+        "txtTitle2 cmd(4) cboFile txtBookmark txtRemarks lstDocs cmd(0) cmd(1) cmd(2) cmd(3) chkPreview "
+        "cmdPrevPage cmdNextPage cmdZoomOut cmdZoomIn scrPreview txtPreviewText");
     add("ImgSearchDoc", frmSearchDocument::instance(), "Search Document", "",
         "cmd=Reset/Close/Print Search List; cmdSearch=Search; lblDocType=Doc. Type :; lblDocCategory=Doc. "
         "Category :; lblDocSubCat=Doc. Sub-Category :; lblDocChildCat=Doc. Child Category :; Label1=File "
@@ -81,7 +82,8 @@ QList<Expected> table() {
         "cboDocType cboDocCategory cboDocSubCategory cboDocChildCategory cboFileNo txtTitle1 txtTitle2 "
         "txtBookmark txtRemarks dtpDocFrom dtpDocTo dtpFollowUpFrom dtpFollowUpTo txtSoftCopyText cmdSearch "
         "lstList "
-        "cmd(0) cmd(1) cmd(2)");
+        "cmd(0) cmd(1) cmd(2) chkPreview cmdPrevPage cmdNextPage cmdZoomOut cmdZoomIn scrPreview "
+        "txtPreviewText");
     add("ImgDocType", frmDocType::instance(), "Document Type", "lstType",
         "cmd=Reset/Edit/Save/Close; lblDocType=Document Type :; txtDocType=25; lstType.tip=Double click a "
         "record to edit",

@@ -11,6 +11,7 @@
 #include "classification/frmFile.h"
 #include "datastore/Ado.h"
 #include "datastore/Schema.h"
+#include "index/PreviewPane.h"
 #include "index/SoftCopyWork.h"
 #include "platform/Controls.h"
 #include "platform/TestHooks.h"
@@ -24,13 +25,16 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -214,6 +218,18 @@ bool writeReports(const QDir& folder) {
     return ok;
 }
 
+// Does `step` on a screen and waits until its preview has shown what the step selected.
+void showPreview(QWidget* screen, const std::function<void()>& step) {
+    auto* pane = screen->findChild<PreviewPane*>(QStringLiteral("fraPreview"));
+    pane->preview().setHelper(QStringLiteral(VORLANE_READER));
+    QEventLoop shown;
+    QObject::connect(&pane->preview(), &SoftCopyPreview::shown, &shown, &QEventLoop::quit);
+    QTimer::singleShot(20000, &shown, &QEventLoop::quit);
+    step();
+    shown.exec();
+    QCoreApplication::processEvents();
+}
+
 // The classification screens with long field names, each with its list shown after a row was
 // loaded, the main window, and the file register with its list, a loaded row and its printed
 // list.
@@ -281,6 +297,18 @@ bool writeScreens(const QDir& folder) {
     search->findChild<QPushButton*>(QStringLiteral("cmdSearch"))->click();
     QCoreApplication::processEvents();
     ok &= save(frame(search), folder, QStringLiteral("frmSearchDocument-softcopy.png"));
+    // The letter found, selected: its scan in the preview.
+    auto* results = search->findChild<platform::ListView*>(QStringLiteral("lstList"));
+    showPreview(search, [results] { results->setCurrentIndex(results->model()->index(0, 0)); });
+    ok &= save(frame(search), folder, QStringLiteral("frmSearchDocument-preview.png"));
+    frame(search)->close();
+    // Index Document after Browse chose the scan.
+    MDI::instance().entryClick(QStringLiteral("ImgIndexDoc"));
+    QWidget* index = MDI::instance().area()->activeSubWindow()->widget();
+    platform::test::nextOpenFile(scan);
+    showPreview(index, [index] { index->findChild<QPushButton*>(QStringLiteral("cmd(4)"))->click(); });
+    ok &= save(frame(index), folder, QStringLiteral("frmIndexDocument-preview.png"));
+    frame(index)->close();
 
     // The state of the soft copies, reached from Settings.
     MDI::instance().entryClick(QStringLiteral("ImgSettings"));

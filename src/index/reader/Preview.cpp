@@ -82,7 +82,8 @@ FileKind checkFile(const QString& path) {
     static const QStringList plain{QStringLiteral("txt"), QStringLiteral("text"), QStringLiteral("csv"),
                                    QStringLiteral("tsv"), QStringLiteral("log"),  QStringLiteral("md")};
     const QString kind = info.suffix().toLower();
-    if (kind != QLatin1String("pdf") && !pictures.contains(kind) && !office.contains(kind) && !plain.contains(kind))
+    if (kind != QLatin1String("pdf") && !pictures.contains(kind) && !office.contains(kind) &&
+        !plain.contains(kind))
         throw Failure{NoTextForType,
                       kind.isEmpty()
                           ? QStringLiteral("No text can be read from this kind of file.")
