@@ -4,6 +4,7 @@
 #include "Process.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
+#include "index/PreviewPane.h"
 #include "index/SoftCopyWork.h"
 #include "index/frmIndexDocument.h"
 #include "index/frmSearchDocument.h"
@@ -15,6 +16,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QStandardPaths>
@@ -153,7 +155,70 @@ void timeSearch(const char* step, const std::function<void()>& criteria, bool ke
     std::fflush(stdout);
 }
 
-void searchSteps() {
+// The preview of the list's selected row: the first page of twenty soft copies, each selected
+// alone, then a held arrow key (a key every 33 ms) through two hundred rows. The newest documents,
+// at the bottom of the list of all, point at the files of the run; the cache starts empty.
+void previewSteps(frmSearchDocument& screen, const QString& cacheFolder) {
+    auto* list = control<platform::ListView>("lstList", screen);
+    auto* pane = control<PreviewPane>("fraPreview", screen);
+    pane->preview().setHelper(QStringLiteral(VORLANE_READER));
+    QDir(cacheFolder).removeRecursively();
+    pane->preview().setCacheFolder(cacheFolder);
+    int shown = 0;
+    QString failure;
+    QObject::connect(&pane->preview(), &SoftCopyPreview::shown, pane, [&](const PreviewPage& page) {
+        ++shown;
+        if (!page.failure.isEmpty())
+            failure = page.path + QStringLiteral(": ") + page.failure;
+    });
+    const auto waitShown = [&](int before) {
+        for (int i = 0; i < 60000 && shown == before; ++i)
+            QTest::qWait(1);
+        QCoreApplication::processEvents(); // the page painted
+        if (shown == before || !failure.isEmpty())
+            throw StepFailed{QStringLiteral("the preview showed nothing: %1").arg(failure)};
+    };
+    // The rows whose soft copy is there, from the bottom; the documents saved by the steps are not.
+    QList<int> rows;
+    for (int row = list->ListCount() - 1; row >= 0 && rows.size() < 230; --row)
+        if (QFileInfo::exists(list->itemText(row, 8)))
+            rows << row;
+    if (rows.size() < 2)
+        throw StepFailed{QStringLiteral("too few soft copies for the preview")};
+    list->setFocus();
+    double total = 0;
+    const int pages = std::min(20, int(rows.size()) - 1);
+    for (int i = 0; i < pages; ++i) {
+        const int before = shown;
+        const auto selected = Clock::now();
+        list->setCurrentIndex(list->model()->index(rows[i], 0));
+        waitShown(before);
+        total += millisecondsSince(selected);
+    }
+    report("preview-first", total / pages);
+
+    list->setCurrentIndex(list->model()->index(rows.constLast(), 0));
+    waitShown(shown);
+    const int started = pane->preview().started();
+    const int before = shown;
+    double longest = 0;
+    for (int i = 0; i < 200 && list->currentIndex().row() < rows.constFirst(); ++i) {
+        const auto pressed = Clock::now();
+        QTest::keyClick(list, Qt::Key_Down);
+        QCoreApplication::processEvents();
+        longest = std::max(longest, millisecondsSince(pressed));
+        while (millisecondsSince(pressed) < 33)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    }
+    const auto released = Clock::now();
+    waitShown(before);
+    report("preview-key", longest);
+    report("preview-last", millisecondsSince(released));
+    std::printf("preview helpers %d for 200 keys, %d pages shown\n", pane->preview().started() - started,
+                shown - before);
+}
+
+void searchSteps(const QString& folder) {
     // The search's own peak: the list of the Index Document screen is gone, and the high-water
     // mark starts again from what the process holds now.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -163,6 +228,7 @@ void searchSteps() {
     QCoreApplication::processEvents();
     expectNoMessage("opening the search screen");
     timeSearch("search-all", [] {});
+    previewSteps(screen, QDir(folder).filePath(QStringLiteral("previews")));
     // The first type and category (in the order of their names), over six years.
     timeSearch("search-filtered", [&screen] {
         control<platform::ComboBox>("cboDocType", screen)->setListIndex(0);
@@ -200,7 +266,7 @@ void startReading() {
     MDI::instance().startSoftCopyReading();
 }
 
-void run(int documents) {
+void run(int documents, const QString& folder) {
     auto& form = frmIndexDocument::instance();
     MDI::setOnEnd([] {});
     wireScreens();
@@ -255,7 +321,7 @@ void run(int documents) {
     save("save-new");
     form.Unload();
 
-    searchSteps();
+    searchSteps(folder);
     MDI::instance().Unload();
 }
 
@@ -290,7 +356,7 @@ int driveScreen(int& argc, char** argv, int documents, const QString& folder, bo
     Session::UserRights = QStringLiteral("Modify");
     background.on = reading;
     try {
-        run(documents);
+        run(documents, folder);
         // How much was read, and whether documents still waited at the end of the steps.
         if (reading)
             std::printf("background %d %d\n", background.stored, background.idle ? 0 : 1);
