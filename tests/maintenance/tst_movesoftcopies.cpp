@@ -7,10 +7,36 @@
 #include "support/TestSupport.h"
 
 #include <QLabel>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QtTest>
 
 using testsupport::literal;
+
+namespace {
+
+// One administrator in a process of their own: on the database of the program folder `appPath`,
+// waits until the file `go` exists, then moves `from` to `to` through the screen and prints what
+// it was told.
+int runMovingSeat(const QString& appPath, const QString& go, const QString& from, const QString& to) {
+    testsupport::TestEnvironment env(false);
+    platform::test::setAppPath(appPath);
+    testsupport::setSession(1, QStringLiteral("Modify"));
+    testsupport::Screen<frmMoveSoftCopies> screen;
+    screen->Show();
+    screen.type("txtOldFolder", from);
+    screen.type("txtNewFolder", to);
+    std::printf("ready\n");
+    std::fflush(stdout);
+    while (!QFileInfo::exists(go))
+        QThread::msleep(1);
+    platform::test::answerNext(platform::vbYes);
+    std::printf("%s\n", qPrintable(screen.pressed("cmdMove").join(QLatin1Char('|'))));
+    return 0;
+}
+
+} // namespace
 
 class TestMoveSoftCopies : public QObject {
     Q_OBJECT
@@ -114,6 +140,37 @@ class TestMoveSoftCopies : public QObject {
         QCOMPARE(state(), before); // every soft copy row back under its own key
     }
 
+    // Two administrators, each in a process of their own, press Move at once: every path moves
+    // once, and the counts of the two add up to the documents under the old folder.
+    void twoAdministratorsAtOnce() {
+        screen->Unload();
+        for (int id = 6; id < 1006; ++id)
+            document(id, scans + QStringLiteral("/bulk/%1.pdf").arg(id));
+        const QString go = files->filePath(QStringLiteral("go"));
+        QList<QProcess*> seats;
+        for (int i = 0; i < 2; ++i) {
+            auto* seat = new QProcess(this);
+            seat->start(QCoreApplication::applicationFilePath(),
+                        {QStringLiteral("--moving-seat"), env->appPath(), go, scans, moved});
+            QVERIFY(seat->waitForReadyRead(60000));
+            QCOMPARE(seat->readLine(), QByteArray("ready\n"));
+            seats << seat;
+        }
+        QFile(go).open(QIODevice::WriteOnly);
+        int total = 0;
+        for (QProcess* seat : seats) {
+            QVERIFY(seat->waitForFinished(120000));
+            // The question, then the outcome.
+            const QString said =
+                QString::fromUtf8(seat->readAllStandardOutput()).trimmed().section(QLatin1Char('|'), -1);
+            QVERIFY2(said.startsWith(QLatin1String("64:Moved ")), qPrintable(said));
+            total += said.section(QLatin1Char(' '), 1, 1).toInt();
+        }
+        QCOMPARE(total, 1003);
+        QCOMPARE(env->scalar("select count(*) from Vorlane where FilePath like '" + moved + "/%'").toInt(),
+                 1003);
+    }
+
     // Settings opens the screen for the first user alone, whatever the rights.
     void firstUserOnly() {
         settings->Show();
@@ -128,5 +185,12 @@ class TestMoveSoftCopies : public QObject {
     }
 };
 
-QTEST_MAIN(TestMoveSoftCopies)
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() == 6 && args[1] == QLatin1String("--moving-seat"))
+        return runMovingSeat(args[2], args[3], args[4], args[5]);
+    TestMoveSoftCopies test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_movesoftcopies.moc"
