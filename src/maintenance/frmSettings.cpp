@@ -186,7 +186,14 @@ void frmSettings::BrowseViewerPath(const QString& kind) {
 void frmSettings::SaveSettings() {
     if (!Session::MaySave(EditMode))
         return;
-    // With no program path at all nothing is written, the field names neither.
+    // The OCR languages are kept whatever else is; with no program path at all nothing else is
+    // written, the field names neither, and nothing is said.
+    try {
+        SoftCopySettings::saveOcrLanguages(tickedOcrLanguages());
+    } catch (const platform::Error& e) {
+        MsgBox(e.description(), platform::vbCritical);
+        return;
+    }
     if (std::all_of(Kinds.begin(), Kinds.end(),
                     [this](const QString& kind) { return TrimStr(pathBox(kind)->text()).isEmpty(); }))
         return;
@@ -195,7 +202,6 @@ void frmSettings::SaveSettings() {
     try {
         for (const QString& kind : Kinds)
             Session::saveSetting(kind, TrimStr(pathBox(kind)->text()));
-        SoftCopySettings::saveOcrLanguages(tickedOcrLanguages());
         if (GenMod::OpenConnection()) {
             GenMod::Conn->BeginTrans();
             InTransaction = true;

@@ -165,9 +165,10 @@ class TestSettings : public QObject {
         QTest::keyClick(list, Qt::Key_Space); // the first row has the focus
         QTest::keyClick(list, Qt::Key_Down);
         QTest::keyClick(list, Qt::Key_Space);
-        screen.type("txtImagePath", "/usr/bin/eog");
-        QCOMPARE(screen.pressed(0), QStringList({"64:Settings saved successfully."}));
+        // Without any viewer's path Save says nothing and writes nothing else, but keeps the languages.
+        QCOMPARE(screen.pressed(0), QStringList());
         QCOMPARE(setting("OcrLanguages"), QStringLiteral("deu"));
+        screen->Unload();
         screen->Show();
         QCOMPARE(ticked(), QStringList({"deu+", "eng", "fra"}));
 
