@@ -161,6 +161,7 @@ std::unique_ptr<SqliteEngine> SqliteEngine::openEmbedded(int timeoutSeconds) {
         throw platform::Error(ErrDataSourceNotFound, QStringLiteral("Cannot open the database file '%1': %2")
                                                          .arg(path, describe(store.database().lastError())));
     std::unique_ptr<SqliteEngine> engine(new SqliteEngine(std::move(store), new SqliteDialect()));
+    engine->setTimeout(timeoutSeconds);
     // Opening succeeds on any file; reading the catalogue tells a database from anything else.
     QString failure;
     try {
@@ -187,7 +188,7 @@ std::unique_ptr<SqliteEngine> SqliteEngine::openEmbedded(int timeoutSeconds) {
 
 void SqliteEngine::setTimeout(int seconds) {
     if (m_handle)
-        sqlite3_busy_timeout(m_handle, seconds <= 0 ? 0 : seconds * 1000);
+        m_busy.install(m_handle, seconds <= 0 ? 0 : seconds * 1000);
 }
 
 void SqliteEngine::beginTransaction() {

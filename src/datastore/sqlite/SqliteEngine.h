@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BusyWait.h"
 #include "datastore/QtSqlEngine.h"
 
 struct sqlite3;
@@ -32,6 +33,7 @@ class SqliteEngine : public QtSqlEngine {
 
     SqliteDialect* m_dialect;
     sqlite3* m_handle;
+    BusyWait m_busy;
 };
 
 } // namespace db

@@ -3,11 +3,11 @@
 // seat out from the compaction until its result is in place.
 #include "datastore/StoreFile.h"
 
+#include "BusyWait.h"
 #include "SqliteFolding.h"
 #include "datastore/Errors.h"
 #include "datastore/OdbcSource.h"
 
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -94,23 +94,12 @@ void flushToDisk(const QString& path) {
     ::close(fd);
 }
 
-// While the store is taken: asks again after a millisecond, until the deadline. A seat that saves
-// one document after the other leaves the store free only for moments between its saves, which
-// the engine's own growing pauses would miss.
-int askAgainSoon(void* deadline, int) {
-    if (static_cast<QDeadlineTimer*>(deadline)->hasExpired())
-        return 0;
-    sqlite3_sleep(1);
-    return 1;
-}
-
 class SqliteSoleStore : public SoleStore {
   public:
-    SqliteSoleStore(const QString& path, int waitSeconds)
-        : m_store(path, SQLITE_OPEN_READWRITE), m_deadline(std::chrono::seconds(qMax(0, waitSeconds))) {
+    SqliteSoleStore(const QString& path, int waitSeconds) : m_store(path, SQLITE_OPEN_READWRITE) {
         // The compacted copy must order texts as every seat's connection does.
         installUnicodeFolding(m_store);
-        sqlite3_busy_handler(m_store, askAgainSoon, &m_deadline);
+        m_wait.install(m_store, qMax(0, waitSeconds) * 1000);
         // The write lock is taken in the normal locking mode, which lets go of what a failed try
         // got; a connection in the exclusive mode would keep its read lock, on which the commit
         // of a seat that holds the write lock waits. Once it is had, the exclusive mode keeps it
@@ -140,7 +129,7 @@ class SqliteSoleStore : public SoleStore {
 
   private:
     Handle m_store;
-    QDeadlineTimer m_deadline;
+    BusyWait m_wait;
 };
 
 } // namespace
@@ -159,7 +148,8 @@ void copyStore(const QString& source, const QString& target) {
     // Opened for writing where the file allows it, so that the journal of a save that broke off
     // is rolled back before the pages are read.
     const Handle store(source, SQLITE_OPEN_READWRITE);
-    sqlite3_busy_timeout(store, CopyWaitSeconds * 1000);
+    BusyWait wait;
+    wait.install(store, CopyWaitSeconds * 1000);
 
     QTemporaryFile part(QDir(folder).filePath(targetInfo.fileName() + QStringLiteral(".XXXXXX")));
     part.setAutoRemove(false);
