@@ -59,16 +59,9 @@ class TestPreview : public QObject {
         QVERIFY(QImage(1100, 1000, QImage::Format_Mono).save(path(QStringLiteral("large.png"))));
         testsupport::writeZip(path(QStringLiteral("minutes.docx")), QStringLiteral("word/document.xml"),
                               testsupport::docxBody("Minutes of the board"));
-        QFile pdf(path(QStringLiteral("two.pdf")));
-        QVERIFY(pdf.open(QIODevice::ReadOnly));
-        writeFile(path(QStringLiteral("damaged.pdf")), pdf.read(pdf.size() / 3));
-        const QByteArray key = "<" + QByteArray(64, 'a') + ">";
-        writeFile(
-            path(QStringLiteral("locked.pdf")),
-            "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[]/Count "
-            "0>> endobj\n3 0 obj <</Filter/Standard/V 1/R 2/O" +
-                key + "/U" + key + "/P -4>> endobj\ntrailer <</Root 1 0 R/Encrypt 3 0 R/Size 4>>\n%%EOF\n");
-        writeFile(path(QStringLiteral("secret.pdf")), pdf.readAll());
+        testsupport::writeBadPdfs(path(QStringLiteral("damaged.pdf")), path(QStringLiteral("locked.pdf")),
+                                  path(QStringLiteral("two.pdf")));
+        QVERIFY(QFile::copy(path(QStringLiteral("two.pdf")), path(QStringLiteral("secret.pdf"))));
         QFile::setPermissions(path(QStringLiteral("secret.pdf")), QFileDevice::WriteOwner);
         QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("folder.pdf")));
         QCOMPARE(mkfifo(path(QStringLiteral("hang.txt")).toLocal8Bit().constData(), 0600), 0);

@@ -48,16 +48,8 @@ void tst_SoftCopyReader::initTestCase() {
         "<worksheet><sheetData><row><c t=\"s\"><v>0</v></c><c><v>4711</v></c></row></sheetData></worksheet>");
     writeFile(path(QStringLiteral("note.txt")), "Crocodile caf\xe9"); // Latin-1, not UTF-8
     writeFile(path(QStringLiteral("old.doc")), QByteArray(512, '\0'));
-    QFile pdf(path(QStringLiteral("text.pdf")));
-    QVERIFY(pdf.open(QIODevice::ReadOnly));
-    writeFile(path(QStringLiteral("damaged.pdf")), pdf.read(pdf.size() / 3));
-    // Encrypted for a user password that the empty one does not match.
-    const QByteArray key = "<" + QByteArray(64, 'a') + ">";
-    writeFile(
-        path(QStringLiteral("locked.pdf")),
-        "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[]/Count 0>> "
-        "endobj\n3 0 obj <</Filter/Standard/V 1/R 2/O" +
-            key + "/U" + key + "/P -4>> endobj\ntrailer <</Root 1 0 R/Encrypt 3 0 R/Size 4>>\n%%EOF\n");
+    testsupport::writeBadPdfs(path(QStringLiteral("damaged.pdf")), path(QStringLiteral("locked.pdf")),
+                              path(QStringLiteral("text.pdf")));
     {
         // Two thousand pages of text, the last one's word read too; and scanned pages that need more
         // processor time than the reader may use.

@@ -48,6 +48,18 @@ void writeFile(const QString& path, const QByteArray& data) {
     file.write(data);
 }
 
+void writeBadPdfs(const QString& damaged, const QString& locked, const QString& from) {
+    QFile pdf(from);
+    pdf.open(QIODevice::ReadOnly);
+    writeFile(damaged, pdf.read(pdf.size() / 3));
+    // Encrypted for a user password that the empty one does not match.
+    const QByteArray key = "<" + QByteArray(64, 'a') + ">";
+    writeFile(locked,
+              "%PDF-1.4\n1 0 obj <</Type/Catalog/Pages 2 0 R>> endobj\n2 0 obj <</Type/Pages/Kids[]/Count "
+              "0>> endobj\n3 0 obj <</Filter/Standard/V 1/R 2/O" +
+                  key + "/U" + key + "/P -4>> endobj\ntrailer <</Root 1 0 R/Encrypt 3 0 R/Size 4>>\n%%EOF\n");
+}
+
 QByteArray docxBody(const QByteArray& words) {
     return "<w:document xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"><w:body>"
            "<w:p><w:r><w:t>" +

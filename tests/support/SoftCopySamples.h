@@ -15,6 +15,8 @@ void writePdf(const QString& path, const QString& words, bool scanned);
 void writeZip(const QString& path, const QString& entry, const QByteArray& data, const QString& entry2 = {},
               const QByteArray& data2 = {});
 void writeFile(const QString& path, const QByteArray& data);
+// A PDF cut short (the first third of `from`), and one protected by a password.
+void writeBadPdfs(const QString& damaged, const QString& locked, const QString& from);
 // The main part of a word-processing file (docx) and of a text document (odt) holding `words`.
 QByteArray docxBody(const QByteArray& words);
 QByteArray odtContent(const QByteArray& words);

@@ -25,17 +25,22 @@ int ocrDpi(const Poppler::Page& page, qint64 maxPixels) {
 
 } // namespace
 
-// The text of every page, in order; a page that gives none (a scan) is rendered and read by OCR.
-QString readPdf(const QString& path, const Limits& limits) {
+std::unique_ptr<Poppler::Document> openPdf(const QString& path) {
     // Poppler reports what it mends in a damaged file on stderr, where the reason belongs.
     Poppler::setDebugErrorFunction(quiet, QVariant());
-    const std::unique_ptr<Poppler::Document> document = Poppler::Document::load(path);
+    std::unique_ptr<Poppler::Document> document = Poppler::Document::load(path);
     if (document && document->isLocked())
         throw Failure{Locked, QStringLiteral("The PDF file is protected by a password.")};
     if (!document || document->numPages() <= 0)
         throw Failure{Damaged, QStringLiteral("The PDF file is damaged and cannot be read.")};
     document->setRenderHint(Poppler::Document::Antialiasing);
     document->setRenderHint(Poppler::Document::TextAntialiasing);
+    return document;
+}
+
+// The text of every page, in order; a page that gives none (a scan) is rendered and read by OCR.
+QString readPdf(const QString& path, const Limits& limits) {
+    const std::unique_ptr<Poppler::Document> document = openPdf(path);
     Ocr ocr(limits.languages);
     QString text;
     for (int i = 0; i < document->numPages(); ++i) {

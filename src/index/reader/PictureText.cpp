@@ -111,6 +111,17 @@ QStringList installedLanguages() {
     return names;
 }
 
+void checkPictureSize(QImageReader& reader, const Limits& limits, const char* verb) {
+    const QSize size = reader.size();
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (pixels > limits.maxPixels)
+        throw Failure{
+            TooLarge,
+            QStringLiteral("The picture has %1 megapixels; pictures of more than %2 megapixels are not %3.")
+                .arg(QString::number(pixels / 1'000'000), QString::number(limits.maxPixels / 1'000'000),
+                     QLatin1String(verb))};
+}
+
 // Every picture of the file, read by OCR. The picture's size is read from its header first, so
 // that an absurd one is refused before it is unpacked into memory.
 QString readPicture(const QString& path, const Limits& limits) {
@@ -120,13 +131,7 @@ QString readPicture(const QString& path, const Limits& limits) {
     Ocr ocr(limits.languages);
     QString text;
     do {
-        const QSize size = reader.size();
-        const qint64 pixels = qint64(size.width()) * size.height();
-        if (pixels > limits.maxPixels)
-            throw Failure{TooLarge, QStringLiteral("The picture has %1 megapixels; pictures of more than %2 "
-                                                   "megapixels are not read.")
-                                        .arg(QString::number(pixels / 1'000'000),
-                                             QString::number(limits.maxPixels / 1'000'000))};
+        checkPictureSize(reader, limits, "read");
         const QImage image = reader.read();
         if (image.isNull())
             throw Failure{Damaged,

@@ -10,20 +10,11 @@ namespace reader {
 
 namespace {
 
-void quiet(const QString& /*message*/, const QVariant& /*closure*/) {}
-
 // The longest text a preview shows of a text or office file.
 constexpr int kPreviewText = 256 * 1024;
 
 Preview previewPdf(const QString& path, int page, int width, const Limits& limits) {
-    Poppler::setDebugErrorFunction(quiet, QVariant());
-    const std::unique_ptr<Poppler::Document> document = Poppler::Document::load(path);
-    if (document && document->isLocked())
-        throw Failure{Locked, QStringLiteral("The PDF file is protected by a password.")};
-    if (!document || document->numPages() <= 0)
-        throw Failure{Damaged, QStringLiteral("The PDF file is damaged and cannot be read.")};
-    document->setRenderHint(Poppler::Document::Antialiasing);
-    document->setRenderHint(Poppler::Document::TextAntialiasing);
+    const std::unique_ptr<Poppler::Document> document = openPdf(path);
     Preview out;
     out.pages = document->numPages();
     const std::unique_ptr<Poppler::Page> shown = document->page(qBound(1, page, out.pages) - 1);
@@ -50,13 +41,8 @@ Preview previewPicture(const QString& path, int page, int width, const Limits& l
     out.pages = reader.format() == "tiff" ? qMax(1, reader.imageCount()) : 1;
     for (int i = 1; i < qBound(1, page, out.pages); ++i)
         reader.jumpToNextImage();
+    checkPictureSize(reader, limits, "shown");
     const QSize size = reader.size();
-    const qint64 pixels = qint64(size.width()) * size.height();
-    if (pixels > limits.maxPixels)
-        throw Failure{TooLarge, QStringLiteral("The picture has %1 megapixels; pictures of more than %2 "
-                                               "megapixels are not shown.")
-                                    .arg(QString::number(pixels / 1'000'000),
-                                         QString::number(limits.maxPixels / 1'000'000))};
     // Decoded straight at the size shown where the format can.
     if (size.width() > width && size.width() > 0)
         reader.setScaledSize(QSize(width, qMax(1, int(qint64(size.height()) * width / size.width()))));

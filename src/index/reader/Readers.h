@@ -8,6 +8,10 @@
 #include <QtGlobal>
 #include <memory>
 
+class QImageReader;
+namespace Poppler {
+class Document;
+}
 namespace tesseract {
 class TessBaseAPI;
 }
@@ -62,6 +66,12 @@ struct Preview {
 };
 // Page `page` (from 1; a later one is the last) of the file, `width` pixels wide.
 Preview preview(const QString& path, int page, int width, const Limits& limits);
+
+// The PDF at `path`, set to render smoothly; a protected or damaged file throws.
+std::unique_ptr<Poppler::Document> openPdf(const QString& path);
+// Throws when the picture that `reader` is at has more pixels than the limit allows; `verb` says
+// what would have been done with it ("read", "shown").
+void checkPictureSize(QImageReader& reader, const Limits& limits, const char* verb);
 
 QString readPdf(const QString& path, const Limits& limits);
 QString readPicture(const QString& path, const Limits& limits);
