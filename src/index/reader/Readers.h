@@ -63,6 +63,11 @@ struct Preview {
 // Page `page` (from 1; a later one is the last) of the file, `width` pixels wide.
 Preview preview(const QString& path, int page, int width, const Limits& limits);
 
+// Serves Vorlane over the socket on stdin and stdout (ReaderChannel.h): each reading asked for
+// runs `readOne` with its arguments in a process forked for it. Returns when Vorlane closes the
+// socket.
+void serve(void (*readOne)(const QStringList& arguments));
+
 QString readPdf(const QString& path, const Limits& limits);
 QString readPicture(const QString& path, const Limits& limits);
 QString readOffice(const QString& path, const Limits& limits);
