@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 #include <atomic>
+#include <memory>
+#include <optional>
+#include <vector>
 
 class QProcess;
 class QTimer;
@@ -18,7 +22,10 @@ struct SoftCopyText {
 
 // Reads the text of one soft copy through the helper program vorlane-reader, in a process of
 // its own, so that a damaged or hostile file may crash or hang only the helper. A reading that
-// passes the time limit is killed. Each reading starts a new helper.
+// passes the time limit is killed. read() keeps one serving helper per calling thread
+// (vorlane-reader --serve), which loads its libraries once and forks the process of each file;
+// a reading cut short kills it, and the next one starts another. start(), and read() with a
+// helper that does not serve, start a new helper for each reading.
 class SoftCopyReader : public QObject {
     Q_OBJECT
   public:
@@ -34,7 +41,8 @@ class SoftCopyReader : public QObject {
 
     // Reads `path` and waits for the outcome: for background threads and tests. It blocks up to
     // the time limit, so the GUI thread uses start(). Any thread may call it: it uses nothing of
-    // the object but its settings, and runs its helper in the calling thread.
+    // the object but its settings and the calling thread's serving helper, which dies with the
+    // thread.
     SoftCopyText read(const QString& path) const;
     // The same, cut short as soon as `cancel` turns true (then `cancelled` is set and the outcome
     // means nothing).
@@ -48,8 +56,15 @@ class SoftCopyReader : public QObject {
     void finished(const SoftCopyText& result);
 
   private:
+    struct Server; // a serving helper and the thread that started it
+
+    QString program() const;
+    QStringList arguments(const QString& path) const;
     QProcess* prepare(const QString& path, QObject* parent) const;
-    SoftCopyText outcome(QProcess& process, bool timedOut) const;
+    // Through the calling thread's serving helper; none when the helper does not serve.
+    std::optional<SoftCopyText> readServed(const QStringList& arguments, const std::atomic<bool>& cancel,
+                                           bool& cancelled) const;
+    std::unique_ptr<Server> takeServer(const QString& program) const;
     void finish(bool timedOut);
     void dismiss(QProcess* process);
 
@@ -58,4 +73,6 @@ class SoftCopyReader : public QObject {
     int m_seconds = 60;
     QProcess* m_process = nullptr;
     QTimer* m_timer = nullptr;
+    mutable QMutex m_serversLock;
+    mutable std::vector<std::unique_ptr<Server>> m_servers; // those not reading now
 };

@@ -9,7 +9,9 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <algorithm>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using State = SoftCopyText::State;
 
@@ -28,6 +30,8 @@ class tst_SoftCopyReader : public QObject {
     void read();
     void startWithoutWaiting_data();
     void startWithoutWaiting();
+    void oneReadingAfterAnother();
+    void helperOfAThreadThatEnded();
 };
 
 void tst_SoftCopyReader::initTestCase() {
@@ -163,6 +167,84 @@ void tst_SoftCopyReader::startWithoutWaiting() {
     QVERIFY(finished.wait(130'000));
     QCOMPARE(finished.constFirst().constFirst().value<SoftCopyText>().state, state);
     QVERIFY(!reader.isReading());
+}
+
+namespace {
+
+struct Process {
+    long pid, parent, group;
+    bool ended; // and not reaped
+};
+
+QList<Process> processes() {
+    QList<Process> all;
+    for (const QString& pid : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        // The state, the parent and the group follow the command, which may hold spaces.
+        const QList<QByteArray> fields = file.readAll().split(')').constLast().split(' ');
+        if (fields.size() > 3)
+            all.append({pid.toLong(), fields[2].toLong(), fields[3].toLong(), fields[1] == "Z"});
+    }
+    return all;
+}
+
+// The processes that this one started and has not reaped; with `running`, only those not ended.
+QList<long> startedProcesses(bool running) {
+    QList<long> pids;
+    for (const Process& p : processes())
+        if (p.parent == getpid() && !(running && p.ended))
+            pids << p.pid;
+    return pids;
+}
+
+bool groupRuns(long group) {
+    const QList<Process> all = processes();
+    return std::any_of(all.cbegin(), all.cend(),
+                       [group](const Process& p) { return p.group == group && !p.ended; });
+}
+
+} // namespace
+
+// One helper serves one reading after another: a reading that fails or hangs leaves nothing to
+// the next, the process that hung dies with the helper that the time limit kills, and the
+// helpers end with the reader.
+void tst_SoftCopyReader::oneReadingAfterAnother() {
+    {
+        SoftCopyReader reader;
+        reader.setHelper(QStringLiteral(VORLANE_READER));
+        QVERIFY(
+            reader.read(path(QStringLiteral("text.pdf"))).text.contains(QLatin1String("Marmalade shipment")));
+        QVERIFY(reader.read(path(QStringLiteral("damaged.pdf"))).reason.contains(QLatin1String("damaged")));
+        const QList<long> helper = startedProcesses(true);
+        QCOMPARE(helper.size(), 1);
+        reader.setTimeLimit(2);
+        QVERIFY(
+            reader.read(path(QStringLiteral("hang.txt"))).reason.contains(QLatin1String("stopped after")));
+        // The helper's group is its own; the process that hung was in it.
+        QTRY_VERIFY(!groupRuns(helper.constFirst()));
+        reader.setTimeLimit(120);
+        QCOMPARE(reader.read(path(QStringLiteral("note.txt"))).text, QStringLiteral("Crocodile café"));
+        QCOMPARE(startedProcesses(true).size(), 1);
+    }
+    QCOMPARE(startedProcesses(false).size(), 0);
+}
+
+// A helper dies with the thread that started it; the reader reaps it and reads on in another.
+void tst_SoftCopyReader::helperOfAThreadThatEnded() {
+    SoftCopyReader reader;
+    reader.setHelper(QStringLiteral(VORLANE_READER));
+    SoftCopyText inThread;
+    std::unique_ptr<QThread> thread(
+        QThread::create([&] { inThread = reader.read(path(QStringLiteral("note.txt"))); }));
+    thread->start();
+    QVERIFY(thread->wait());
+    QCOMPARE(inThread.state, State::Read);
+    QTRY_COMPARE(startedProcesses(true).size(), 0);
+    QVERIFY(
+        reader.read(path(QStringLiteral("letter.docx"))).text.contains(QLatin1String("Quarterly report")));
+    QCOMPARE(startedProcesses(false).size(), 1);
 }
 
 QTEST_MAIN(tst_SoftCopyReader)

@@ -73,6 +73,11 @@ std::unique_ptr<Poppler::Document> openPdf(const QString& path);
 // what would have been done with it ("read", "shown").
 void checkPictureSize(QImageReader& reader, const Limits& limits, const char* verb);
 
+// Serves Vorlane over the socket on stdin and stdout (ReaderChannel.h): each reading asked for
+// runs `readOne` with its arguments in a process forked for it. Returns when Vorlane closes the
+// socket.
+void serve(void (*readOne)(const QStringList& arguments));
+
 QString readPdf(const QString& path, const Limits& limits);
 QString readPicture(const QString& path, const Limits& limits);
 QString readOffice(const QString& path, const Limits& limits);

@@ -1,8 +1,9 @@
 // vorlane-reader: writes the plain text of one soft copy to stdout, in UTF-8. Vorlane reads its
 // soft copies through it, one file per process, so that a damaged or hostile file may crash or
-// hang only the reader. It sets its own limits first: the lowest CPU priority, an address-space
-// limit and a processor-time limit. On failure it ends with one of the codes of ReaderExit.h
-// and says why on the last line of stderr.
+// hang only the reader. It sets its own limits before it reads: the lowest CPU priority, an
+// address-space limit and a processor-time limit. On failure it ends with one of the codes of
+// ReaderExit.h and says why on the last line of stderr. With --serve it stays, and forks such a
+// process of one file for each reading that Vorlane asks for (Serve.cpp).
 #include "index/reader/Readers.h"
 
 #include <QBuffer>
@@ -12,6 +13,7 @@
 #include <QFileInfo>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <new>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -94,12 +96,8 @@ QByteArray previewBytes(const QString& path, int page, int width, const reader::
     end(exit);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
+// Reads one file as the command line asks, and ends.
+[[noreturn]] void readOne(const QStringList& arguments) {
     QCommandLineParser parser;
     const QCommandLineOption languages(QStringLiteral("languages"), QStringLiteral("OCR languages"),
                                        QStringLiteral("eng+deu"), QStringLiteral("eng"));
@@ -150,10 +148,8 @@ int main(int argc, char** argv) {
         fail(reader::Usage, QStringLiteral("usage: vorlane-reader [--languages eng] [--memory-mb 1024] "
                                            "[--cpu-seconds 60] [--max-megapixels 100] [--unpacked-mb 256] "
                                            "[--text-mb 32] [--preview PAGE [--width 800]] FILE | "
-                                           "--list-languages"));
+                                           "--list-languages | --serve"));
     limitSelf(memoryMb, cpuSeconds);
-
-    const QCoreApplication app(argc, argv);
     try {
         const QString path = parser.positionalArguments().constFirst();
         const QByteArray text = parser.isSet(previewPage)
@@ -169,4 +165,23 @@ int main(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         fail(reader::OutOfMemory, QStringLiteral("The file needs more memory than the reader may use."));
     }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // The seat's serving reader: it reads no file itself, so it goes without the limits of one;
+    // each reading that it forks sets them.
+    if (argc == 2 && std::strcmp(argv[1], "--serve") == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        setpriority(PRIO_PROCESS, 0, 19);
+        const QCoreApplication app(argc, argv);
+        reader::serve(readOne);
+        end(reader::Read);
+    }
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const QCoreApplication app(argc, argv);
+    readOne(arguments);
 }
