@@ -1,5 +1,6 @@
 #include "index/SoftCopyPreview.h"
 
+#include "index/SoftCopyReader.h"
 #include "index/SoftCopySettings.h"
 
 #include <QCryptographicHash>
@@ -11,7 +12,6 @@
 #include <QStandardPaths>
 #include <QTimer>
 #include <algorithm>
-#include <csignal>
 #include <utility>
 
 namespace {
@@ -134,31 +134,18 @@ void SoftCopyPreview::finish(bool timedOut) {
     QProcess* process = m_process;
     if (!process)
         return;
+    // The answer is taken first: it is a picture, not a text.
+    const QByteArray bytes = process->readAllStandardOutput();
+    const SoftCopyText ended = SoftCopyReader::outcomeOf(*process, timedOut, m_seconds);
     PreviewPage result;
-    result.path = m_running.path;
-    result.page = m_running.page;
-    if (process->error() == QProcess::FailedToStart) {
-        result.failure =
-            QStringLiteral("The reader program %1 could not be started.").arg(process->program());
-    } else if (timedOut) {
-        result.failure =
-            QStringLiteral("The preview stopped after %1 seconds.").arg(QString::number(m_seconds));
-    } else if (process->exitStatus() == QProcess::CrashExit) {
-        result.failure = process->exitCode() == SIGKILL
-                             ? QStringLiteral("The reader was stopped from outside while showing this file.")
-                             : QStringLiteral("The reader crashed while showing this file.");
-    } else if (process->exitCode() != 0) {
-        // The reason is the helper's last line: the libraries may have said more before it.
-        const QString said = QString::fromUtf8(process->readAllStandardError()).trimmed();
-        result.failure = said.mid(said.lastIndexOf(QLatin1Char('\n')) + 1);
-        if (result.failure.isEmpty())
-            result.failure =
-                QStringLiteral("The reader ended with code %1.").arg(QString::number(process->exitCode()));
-    } else {
-        const QByteArray bytes = process->readAllStandardOutput();
+    if (ended.state == SoftCopyText::State::Read) {
         result = page(m_running, bytes);
         if (result.failure.isEmpty())
             keep(m_runningCache, bytes);
+    } else {
+        result.path = m_running.path;
+        result.page = m_running.page;
+        result.failure = ended.reason;
     }
     dismiss();
     emit shown(result);

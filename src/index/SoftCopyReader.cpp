@@ -10,7 +10,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
-#include <QTimer>
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -273,31 +272,11 @@ struct SoftCopyReader::Server {
     }
 };
 
-SoftCopyReader::SoftCopyReader(QObject* parent) : QObject(parent), m_timer(new QTimer(this)) {
-    m_timer->setSingleShot(true);
-    connect(m_timer, &QTimer::timeout, this, [this] { finish(true); });
-}
+SoftCopyReader::SoftCopyReader(QObject* parent) : QObject(parent) {}
 
-// Helpers that were killed are gone at once; they are reaped here, not left to QProcess's warning.
 SoftCopyReader::~SoftCopyReader() {
-    for (QProcess* process : findChildren<QProcess*>()) {
-        process->kill();
-        process->waitForFinished(-1);
-    }
     const QMutexLocker lock(&m_serversLock);
     m_servers.clear();
-}
-
-// Lets a reading go without waiting for it: a killed helper is gone at once and its process is
-// reaped when it is.
-void SoftCopyReader::dismiss(QProcess* process) {
-    process->disconnect(this);
-    if (process->state() == QProcess::NotRunning) {
-        process->deleteLater();
-        return;
-    }
-    connect(process, &QProcess::finished, process, &QObject::deleteLater);
-    process->kill();
 }
 
 QString SoftCopyReader::program() const {
@@ -410,28 +389,9 @@ SoftCopyText SoftCopyReader::read(const QString& path, const std::atomic<bool>& 
             }
         }
     }
-    return outcome(endingOf(*process, timedOut), process->program(), m_seconds);
+    return outcomeOf(*process, timedOut, m_seconds);
 }
 
-void SoftCopyReader::start(const QString& path) {
-    if (m_process)
-        dismiss(std::exchange(m_process, nullptr));
-    m_process = prepare(path, this);
-    connect(m_process, &QProcess::finished, this, [this] { finish(false); });
-    connect(m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
-            finish(false);
-    });
-    m_timer->start(m_seconds * 1000);
-    m_process->start();
-}
-
-void SoftCopyReader::finish(bool timedOut) {
-    m_timer->stop();
-    QProcess* process = std::exchange(m_process, nullptr);
-    if (!process)
-        return;
-    const SoftCopyText result = outcome(endingOf(*process, timedOut), process->program(), m_seconds);
-    dismiss(process);
-    emit finished(result);
+SoftCopyText SoftCopyReader::outcomeOf(QProcess& process, bool timedOut, int seconds) {
+    return outcome(endingOf(process, timedOut), process.program(), seconds);
 }

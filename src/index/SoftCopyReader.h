@@ -10,7 +10,6 @@
 #include <vector>
 
 class QProcess;
-class QTimer;
 
 // What reading one soft copy gave: its text, or why there is none.
 struct SoftCopyText {
@@ -47,13 +46,9 @@ class SoftCopyReader : public QObject {
     // The same, cut short as soon as `cancel` turns true (then `cancelled` is set and the outcome
     // means nothing).
     SoftCopyText read(const QString& path, const std::atomic<bool>& cancel, bool& cancelled) const;
-    // Starts reading `path` and returns at once; finished() tells the outcome. A reading that is
-    // still running is abandoned.
-    void start(const QString& path);
-    bool isReading() const { return m_process != nullptr; }
-
-  signals:
-    void finished(const SoftCopyText& result);
+    // What a helper that ran in `process` (or could not start, or passed the time limit of
+    // `seconds`) tells; its standard output is taken for the text.
+    static SoftCopyText outcomeOf(QProcess& process, bool timedOut, int seconds);
 
   private:
     struct Server; // a serving helper and the thread that started it
@@ -65,14 +60,10 @@ class SoftCopyReader : public QObject {
     std::optional<SoftCopyText> readServed(const QStringList& arguments, const std::atomic<bool>& cancel,
                                            bool& cancelled) const;
     std::unique_ptr<Server> takeServer(const QString& program) const;
-    void finish(bool timedOut);
-    void dismiss(QProcess* process);
 
     QString m_helper;
     QStringList m_options;
     int m_seconds = 60;
-    QProcess* m_process = nullptr;
-    QTimer* m_timer = nullptr;
     mutable QMutex m_serversLock;
     mutable std::vector<std::unique_ptr<Server>> m_servers; // those not reading now
 };

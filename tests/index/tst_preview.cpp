@@ -123,8 +123,8 @@ class TestPreview : public QObject {
         row("locked.pdf", "The PDF file is protected by a password.");
         row("large.png", "The picture has 1 megapixels; pictures of more than 1 megapixels are not shown.");
         row("secret.pdf", "The file cannot be opened");
-        row("hang.txt", "The preview stopped after 2 seconds.");
-        row("scan.png", "The reader crashed while showing this file.", "crash.sh");
+        row("hang.txt", "The reader stopped after 2 seconds.");
+        row("scan.png", "The reader crashed while reading this file.", "crash.sh");
     }
     // Each ends in the pane with its reason and no page to turn; the pane then shows the next file.
     void saysWhyForBadInput() {

@@ -6,7 +6,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <algorithm>
@@ -28,8 +27,6 @@ class tst_SoftCopyReader : public QObject {
     void initTestCase();
     void read_data();
     void read();
-    void startWithoutWaiting_data();
-    void startWithoutWaiting();
     void oneReadingAfterAnother();
     void helperOfAThreadThatEnded();
 };
@@ -145,28 +142,6 @@ void tst_SoftCopyReader::read() {
     QVERIFY2((state == State::Read ? result.text : result.reason).contains(expected, Qt::CaseInsensitive),
              qPrintable(result.reason + result.text));
     QCOMPARE(result.state, state);
-}
-
-void tst_SoftCopyReader::startWithoutWaiting_data() {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<State>("state");
-    QTest::newRow("read") << "note.txt" << State::Read;
-    QTest::newRow("hangs") << "hang.txt" << State::Unreadable;
-}
-
-// The GUI thread's way: start() returns at once and the outcome arrives as a signal.
-void tst_SoftCopyReader::startWithoutWaiting() {
-    QFETCH(QString, file);
-    QFETCH(State, state);
-    SoftCopyReader reader;
-    reader.setHelper(QStringLiteral(VORLANE_READER));
-    reader.setTimeLimit(timeLimitFor(file));
-    QSignalSpy finished(&reader, &SoftCopyReader::finished);
-    reader.start(path(file));
-    QVERIFY(reader.isReading());
-    QVERIFY(finished.wait(130'000));
-    QCOMPARE(finished.constFirst().constFirst().value<SoftCopyText>().state, state);
-    QVERIFY(!reader.isReading());
 }
 
 namespace {
