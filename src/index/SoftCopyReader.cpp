@@ -159,18 +159,7 @@ struct SoftCopyReader::Server {
         return reaped;
     }
 
-    bool send(const QByteArray& bytes) const {
-        for (qsizetype sent = 0; sent < bytes.size();) {
-            const ssize_t n =
-                ::send(socket, bytes.constData() + sent, size_t(bytes.size() - sent), MSG_NOSIGNAL);
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0)
-                return false;
-            sent += n;
-        }
-        return true;
-    }
+    bool send(const QByteArray& bytes) const { return ch::sendAll(socket, bytes); }
 
     // The next frame; a helper that sends something else is taken to have gone.
     Received receive(Wait& wait, ch::Kind& kind, QByteArray& payload) {

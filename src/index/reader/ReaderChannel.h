@@ -2,7 +2,9 @@
 
 #include <QByteArray>
 #include <QtGlobal>
+#include <cerrno>
 #include <cstring>
+#include <sys/socket.h>
 
 // How Vorlane talks with a serving reader (vorlane-reader --serve) over the socket that is the
 // reader's stdin and stdout. Each message is a frame: one byte of kind, the length of what
@@ -34,6 +36,19 @@ inline QByteArray frame(Kind kind, const QByteArray& payload = {}) {
     out[0] = kind;
     std::memcpy(out.data() + 1, &size, sizeof size);
     return out + payload;
+}
+
+// Sends all of `bytes` on `socket`; false when the other end has gone.
+inline bool sendAll(int socket, const QByteArray& bytes) {
+    for (qsizetype sent = 0; sent < bytes.size();) {
+        const ssize_t n = ::send(socket, bytes.constData() + sent, size_t(bytes.size() - sent), MSG_NOSIGNAL);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        sent += n;
+    }
+    return true;
 }
 
 inline QByteArray endingFrame(Ending ending) {

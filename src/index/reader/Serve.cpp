@@ -31,17 +31,7 @@ constexpr int kSeat = STDIN_FILENO; // the socket; stdout is the same one
 constexpr int kGone = 1;
 
 bool sendAll(const QByteArray& bytes) {
-    qsizetype sent = 0;
-    while (sent < bytes.size()) {
-        const ssize_t n =
-            ::send(STDOUT_FILENO, bytes.constData() + sent, size_t(bytes.size() - sent), MSG_NOSIGNAL);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        sent += n;
-    }
-    return true;
+    return ch::sendAll(STDOUT_FILENO, bytes);
 }
 
 // The next request's arguments; false when Vorlane closed the socket or broke the protocol.
