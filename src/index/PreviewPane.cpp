@@ -66,11 +66,11 @@ PreviewPane::PreviewPane(QWidget* parent)
         button->setText(QString::fromLatin1(caption));
         buttons->addWidget(button, at / 2, at % 2);
         ++at;
-        connect(button, &QPushButton::clicked, this, [this, page, zoomBy] {
-            if (page)
-                turn(page);
+        connect(button, &QPushButton::clicked, this, [this, pages = page, steps = zoomBy] {
+            if (pages)
+                turn(pages);
             else
-                zoom(zoomBy);
+                zoom(steps);
         });
     }
     column->addLayout(buttons);
