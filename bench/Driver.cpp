@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QStandardPaths>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <chrono>
 #include <cstdio>
@@ -164,18 +165,15 @@ void previewSteps(frmSearchDocument& screen, const QString& cacheFolder) {
     pane->preview().setHelper(QStringLiteral(VORLANE_READER));
     QDir(cacheFolder).removeRecursively();
     pane->preview().setCacheFolder(cacheFolder);
-    int shown = 0;
-    QString failure;
-    QObject::connect(&pane->preview(), &SoftCopyPreview::shown, pane, [&](const PreviewPage& page) {
-        ++shown;
-        if (!page.failure.isEmpty())
-            failure = page.path + QStringLiteral(": ") + page.failure;
-    });
-    const auto waitShown = [&](int before) {
-        for (int i = 0; i < 60000 && shown == before; ++i)
+    QSignalSpy pages(&pane->preview(), &SoftCopyPreview::shown);
+    const auto waitShown = [&pages](qsizetype before) {
+        for (int i = 0; i < 60000 && pages.size() == before; ++i)
             QTest::qWait(1);
         QCoreApplication::processEvents(); // the page painted
-        if (shown == before || !failure.isEmpty())
+        const QString failure = pages.size() == before
+                                    ? QStringLiteral("nothing")
+                                    : pages.constLast().constFirst().value<PreviewPage>().failure;
+        if (!failure.isEmpty())
             throw StepFailed{QStringLiteral("the preview showed nothing: %1").arg(failure)};
     };
     // The rows whose soft copy is there, from the bottom; the documents saved by the steps are not.
@@ -187,20 +185,21 @@ void previewSteps(frmSearchDocument& screen, const QString& cacheFolder) {
         throw StepFailed{QStringLiteral("too few soft copies for the preview")};
     list->setFocus();
     double total = 0;
-    const int pages = std::min(20, int(rows.size()) - 1);
-    for (int i = 0; i < pages; ++i) {
-        const int before = shown;
+    const int firstPages = std::min(20, int(rows.size()) - 1);
+    for (int i = 0; i < firstPages; ++i) {
+        const qsizetype before = pages.size();
         const auto selected = Clock::now();
         list->setCurrentIndex(list->model()->index(rows[i], 0));
         waitShown(before);
         total += millisecondsSince(selected);
     }
-    report("preview-first", total / pages);
+    report("preview-first", total / firstPages);
 
+    const qsizetype atStart = pages.size();
     list->setCurrentIndex(list->model()->index(rows.constLast(), 0));
-    waitShown(shown);
+    waitShown(atStart);
     const int started = pane->preview().started();
-    const int before = shown;
+    const qsizetype before = pages.size();
     double longest = 0;
     for (int i = 0; i < 200 && list->currentIndex().row() < rows.constFirst(); ++i) {
         const auto pressed = Clock::now();
@@ -215,7 +214,7 @@ void previewSteps(frmSearchDocument& screen, const QString& cacheFolder) {
     report("preview-key", longest);
     report("preview-last", millisecondsSince(released));
     std::printf("preview helpers %d for 200 keys, %d pages shown\n", pane->preview().started() - started,
-                shown - before);
+                int(pages.size() - before));
 }
 
 void searchSteps(const QString& folder) {
