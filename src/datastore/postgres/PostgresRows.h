@@ -24,7 +24,7 @@ std::unique_ptr<Cursor> openServerRows(void* connection, const QString& text,
 
 namespace server {
 inline constexpr int PagedAbove = 100000;
-inline constexpr int PageRows = 10000;
+inline constexpr int PageRows = 5000;
 } // namespace server
 
 } // namespace db
