@@ -345,7 +345,7 @@ class ServerRows : public Cursor {
         }
         if (!m_ownTransaction || m_inTransaction())
             return;
-        SQLULEN autocommit = SQL_AUTOCOMMIT_ON;
+        SQLUINTEGER autocommit = SQL_AUTOCOMMIT_ON;
         SQLGetConnectAttr(m_connection, SQL_ATTR_AUTOCOMMIT, &autocommit, 0, nullptr);
         if (autocommit == SQL_AUTOCOMMIT_ON)
             return;
