@@ -15,11 +15,7 @@ namespace db {
 namespace {
 
 QString dbmsName(const QSqlDatabase& store) {
-    const QVariant handle = store.driver()->handle();
-    // The driver hands its connection handle out as a SQLHANDLE, which Qt 6 names void*.
-    if (qstrcmp(handle.typeName(), "SQLHANDLE") != 0 && qstrcmp(handle.typeName(), "void*") != 0)
-        return QString();
-    SQLHANDLE hdbc = *static_cast<const SQLHANDLE*>(handle.data());
+    SQLHANDLE hdbc = odbcHandle(store);
     if (!hdbc)
         return QString();
     SQLCHAR name[256] = {};
@@ -30,6 +26,14 @@ QString dbmsName(const QSqlDatabase& store) {
 }
 
 } // namespace
+
+void* odbcHandle(const QSqlDatabase& store) {
+    const QVariant handle = store.driver()->handle();
+    // The driver hands its connection handle out as a SQLHANDLE, which Qt 6 names void*.
+    if (qstrcmp(handle.typeName(), "SQLHANDLE") != 0 && qstrcmp(handle.typeName(), "void*") != 0)
+        return nullptr;
+    return *static_cast<void* const*>(handle.data());
+}
 
 QString entryValue(const QString& name, const char* key) {
     char value[512] = {};

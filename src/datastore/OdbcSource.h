@@ -7,6 +7,10 @@ namespace db {
 // True when the unixODBC driver manager knows a user or system data source of that name.
 bool odbcKnows(const QString& name);
 
+// The ODBC connection handle of an open connection through the Qt ODBC driver; null for another
+// driver's.
+void* odbcHandle(const QSqlDatabase& store);
+
 // A key of the data source's own entry in odbc.ini; empty when the entry has none.
 QString entryValue(const QString& name, const char* key);
 

@@ -170,18 +170,21 @@ std::unique_ptr<Cursor> QtSqlEngine::query(const QString& text) {
     return std::make_unique<QtSqlCursor>(std::move(q));
 }
 
-Rows QtSqlEngine::select(const QString& text) {
+Rows QtSqlEngine::readRows(Cursor& cursor) {
     Rows rows;
-    const auto cursor = query(text);
-    rows.names = cursor->names();
+    rows.names = cursor.names();
     const auto count = rows.names.size();
-    while (cursor->next()) {
+    while (cursor.next()) {
         QVector<QVariant> row(count);
         for (int i = 0; i < count; ++i)
-            row[i] = cursor->value(i);
+            row[i] = cursor.value(i);
         rows.values.push_back(std::move(row));
     }
     return rows;
+}
+
+Rows QtSqlEngine::select(const QString& text) {
+    return readRows(*query(text));
 }
 
 void QtSqlEngine::insert(const QString& table, const FieldValues& values) {

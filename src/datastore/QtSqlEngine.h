@@ -68,6 +68,10 @@ class QtSqlEngine : public Engine {
 
   protected:
     QSqlDatabase& database() { return m_store.database(); }
+    // A transaction begun through beginTransaction and not yet ended.
+    bool inTransaction() const { return m_inTransaction; }
+    // The rows of `cursor`, read to the end.
+    static Rows readRows(Cursor& cursor);
 
   private:
     SqlStore m_store;

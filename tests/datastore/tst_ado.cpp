@@ -361,9 +361,17 @@ void AdoTest::refusedStatementsAreNotRun() {
         db::ErrStatement);
     QVERIFY2(description.contains(QLatin1String("Smith")), qPrintable(description));
     db::Recordset rs;
-    QCOMPARE(errorOf([&] { rs.Open(QStringLiteral("Select * from Vorlane Where  order by I.DocDate"), c); }),
-             db::ErrStatement);
+    // Read row by row or at once, the same words.
+    const QString wrong = QStringLiteral("Select * from Vorlane Where  order by I.DocDate");
+    QString atOnce;
+    QCOMPARE(errorOf([&] { rs.Open(wrong, c); }, &description), db::ErrStatement);
+    QCOMPARE(errorOf([&] { rs.Open(wrong, c, db::adOpenStatic); }, &atOnce), db::ErrStatement);
+    QCOMPARE(description, atOnce);
     QCOMPARE(rs.State(), int(db::adStateClosed));
+    // A value of a type that no column of the schema has comes as the engine types it.
+    rs.Open(QStringLiteral("Select 2.5 as Half"), c);
+    QCOMPARE(rs.Fields(0), QVariant(2.5));
+    rs.Close();
 
     // A recordset only reads: a writing statement opened as one is refused and not run.
     QCOMPARE(errorOf([&] { rs.Open(QStringLiteral("Delete from Logins"), c, db::adOpenStatic); }),

@@ -1,6 +1,7 @@
 #include "datastore/Ado.h"
 #include "datastore/OdbcSource.h"
 #include "datastore/Schema.h"
+#include "datastore/postgres/PostgresRows.h"
 #include "support/TestSupport.h"
 
 #include <QDate>
@@ -40,6 +41,7 @@ class ServerTest : public QObject {
     void setUpCreatesTheTablesOnce();
     void screensStatementsRunAsOnTheFile();
     void softCopiesFollowTheirDocumentsAndCome();
+    void manyRowsComeInPages();
     void loginsAndUnreachableServer();
 };
 
@@ -144,6 +146,51 @@ void ServerTest::softCopiesFollowTheirDocumentsAndCome() {
     c->Execute(QStringLiteral("Update Vorlane set FilePath='new/B.pdf'"));
     QCOMPARE(column(c, QStringLiteral("Select count(IndexID) from SoftCopy where ReadState='read'")),
              QVariantList{qint64(2)});
+}
+
+void ServerTest::manyRowsComeInPages() {
+    using db::server::PagedAbove, db::server::PageRows;
+    const qint64 first = 1000, last = first + PagedAbove + PageRows / 2;
+    const qint64 longOne = first + PageRows + 3;
+    const QString longText = QStringLiteral("Ärger über die Miete ").repeated(150);
+    db::openOdbcSource(QStringLiteral("Vorlane"), User, Password)
+        ->execute(
+            QStringLiteral("INSERT INTO \"File\" SELECT n, 'F-' || n, CASE WHEN n % 7 = 0 THEN NULL "
+                           "ELSE 'Régal ' || n END, 1 FROM generate_series(%1, %2) n; UPDATE \"File\" "
+                           "SET \"Particulars\" = '%3' WHERE \"FileID\" = %4; ANALYZE \"File\"")
+                .arg(QString::number(first), QString::number(last), longText, QString::number(longOne)));
+    const QString all =
+        QStringLiteral("Select FileID, Particulars from File where FileID >= %1 order by FileID").arg(first);
+    auto c = open();
+    // Every row once, in order, each text whole, on pages that the server keeps meanwhile.
+    {
+        db::Recordset rs;
+        rs.Open(all, c);
+        QCOMPARE(column(c, QStringLiteral("Select count(*) from pg_cursors")), QVariantList{qint64(1)});
+        qint64 key = first;
+        QByteArray text;
+        for (; !rs.eof(); rs.MoveNext(), ++key) {
+            QCOMPARE(rs.Fields(0), QVariant(key));
+            const bool given = rs.FieldUtf8(1, text);
+            QCOMPARE(given, key % 7 != 0);
+            if (key == longOne) {
+                QCOMPARE(QString::fromUtf8(text), longText);
+                QCOMPARE(rs.Fields(1), QVariant(longText));
+            } else if (given) {
+                QCOMPARE(text, QStringLiteral("Régal %1").arg(key).toUtf8());
+            }
+        }
+        QCOMPARE(key, last + 1);
+    }
+    // The pages are read in the transaction of the connection, which they leave open, or in one of
+    // their own that ends with them.
+    c->BeginTrans();
+    c->Execute(QStringLiteral("Delete from File where FileID=%1").arg(first));
+    QCOMPARE(qint64(column(c, all).size()), last - first);
+    c->RollbackTrans();
+    QCOMPARE(qint64(column(c, all).size()), last - first + 1);
+    c->Execute(QStringLiteral("Delete from File where FileID >= %1").arg(first));
+    QCOMPARE(column(open(), all), QVariantList());
 }
 
 void ServerTest::loginsAndUnreachableServer() {

@@ -1,7 +1,9 @@
 #include "PostgresEngine.h"
 
 #include "PostgresDialect.h"
+#include "PostgresRows.h"
 #include "datastore/Errors.h"
+#include "datastore/OdbcSource.h"
 
 namespace db {
 
@@ -20,6 +22,17 @@ void PostgresEngine::setTimeout(int seconds) {
         return;
     execute(QStringLiteral("SET lock_timeout = %1").arg(qMax(0, seconds) * 1000));
     m_timeout = seconds;
+}
+
+std::unique_ptr<Cursor> PostgresEngine::query(const QString& text) {
+    if (void* connection = odbcHandle(database()))
+        if (auto rows = openServerRows(connection, text, [this] { return inTransaction(); }))
+            return rows;
+    return QtSqlEngine::query(text);
+}
+
+Rows PostgresEngine::select(const QString& text) {
+    return readRows(*QtSqlEngine::query(text));
 }
 
 void PostgresEngine::beginTransaction() {

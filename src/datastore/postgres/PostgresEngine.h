@@ -13,6 +13,12 @@ class PostgresEngine : public QtSqlEngine {
     explicit PostgresEngine(SqlStore store);
 
     void setTimeout(int seconds) override;
+    // Reads the rows through PostgresRows.h: a select that gives many rows comes in pages, and
+    // each value is read without the Qt driver's work per value; a column of another type than
+    // those of the schema (integers, dates, texts) is read through the Qt driver.
+    std::unique_ptr<Cursor> query(const QString& text) override;
+    // All rows at once through the Qt driver.
+    Rows select(const QString& text) override;
     void beginTransaction() override;
     // A rollback also undoes a wait set inside the transaction: it is set again before the next
     // statement.
