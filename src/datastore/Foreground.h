@@ -7,7 +7,8 @@
 // wait for the file: the background waits first.
 namespace db::foreground {
 
-// Notes that the calling thread uses the store; only the main thread counts.
+// Notes that the calling thread uses the store, or is about to: the data layer tells each
+// statement, the background work the clerk's keys and clicks. Only the main thread counts.
 void used();
 
 // A transaction or a streaming statement of the calling thread, held from construction to

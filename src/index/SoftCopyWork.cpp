@@ -4,8 +4,10 @@
 #include "datastore/SqlText.h"
 #include "session/GenMod.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QFileInfo>
 #include <QThread>
 #include <utility>
@@ -237,6 +239,22 @@ void SoftCopyWork::start() {
             start();
     });
     m_thread->start(QThread::LowPriority);
+    if (QCoreApplication* app = QCoreApplication::instance(); app && app->thread() == thread())
+        app->installEventFilter(this);
+}
+
+bool SoftCopyWork::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::KeyPress:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+        db::foreground::used();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void SoftCopyWork::stop() {

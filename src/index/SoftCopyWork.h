@@ -99,6 +99,11 @@ class SoftCopyWork : public QObject {
     // The worker thread ended after stop().
     void stopped();
 
+  protected:
+    // The clerk's keys and clicks count as a use of the database by the screens: the next write
+    // waits for the screen's answer.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void run();
     void rest(int seconds);
