@@ -4,6 +4,7 @@
 #include "Process.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
+#include "datastore/SqlText.h"
 #include "index/PreviewPane.h"
 #include "index/SoftCopyWork.h"
 #include "index/frmIndexDocument.h"
@@ -11,6 +12,7 @@
 #include "platform/Controls.h"
 #include "platform/Error.h"
 #include "platform/TestHooks.h"
+#include "session/GenMod.h"
 #include "session/Session.h"
 
 #include <QApplication>
@@ -256,8 +258,18 @@ struct {
     bool idle = false;
 } background;
 
-// The main window reads the soft copies that wait, as after a login.
-void startReading() {
+// The main window reads the soft copies that wait, as after a login. The run's soft copies wait
+// again first, as a save with their path left them, so that every run with the reading reads
+// the same files.
+void startReading(const QString& folder) {
+    {
+        auto c = std::make_shared<db::Connection>();
+        c->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+        c->Execute(QStringLiteral("Update SoftCopy set ReadState='waiting', Reason=Null, SoftText=Null, "
+                                  "ClaimedBy=Null, ClaimedAt=Null where IndexID in (Select IndexID from "
+                                  "Vorlane where FilePath like %1)")
+                       .arg(db::sql::quoteString(QDir(folder).filePath(QStringLiteral("softcopies/%")))));
+    }
     SoftCopyWork& work = MDI::instance().softCopyWork();
     work.reader().setHelper(QStringLiteral(VORLANE_READER));
     // Counted in this thread: the work tells from its own.
@@ -273,7 +285,7 @@ void run(int documents, const QString& folder) {
     MDI::instance().Show();
     MDI::instance().window()->resize(1024, 720);
     if (background.on)
-        startReading();
+        startReading(folder);
     form.Show();
     QCoreApplication::processEvents();
     expectNoMessage("opening the screen");
