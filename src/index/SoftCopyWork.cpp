@@ -76,7 +76,11 @@ const db::ConnectionPtr& SoftCopyWork::connection() {
 template <typename Work> auto SoftCopyWork::inTransaction(Work work) {
     const db::ConnectionPtr c = connection();
     try {
-        db::foreground::waitUntilFree(YieldMilliseconds);
+        // A little at a time, so that a stop does not wait for the screens.
+        QElapsedTimer waited;
+        waited.start();
+        while (!m_stop && !db::foreground::waitUntilFree(50) && !waited.hasExpired(YieldMilliseconds)) {
+        }
         c->BeginTrans();
         auto result = work(c);
         c->CommitTrans();
