@@ -4,6 +4,7 @@
 #include "Process.h"
 #include "app/MDI.h"
 #include "app/Startup.h"
+#include "datastore/SqlText.h"
 #include "index/PreviewPane.h"
 #include "index/SoftCopyWork.h"
 #include "index/frmIndexDocument.h"
@@ -11,6 +12,7 @@
 #include "platform/Controls.h"
 #include "platform/Error.h"
 #include "platform/TestHooks.h"
+#include "session/GenMod.h"
 #include "session/Session.h"
 
 #include <QApplication>
@@ -22,6 +24,7 @@
 #include <QStandardPaths>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <optional>
@@ -31,6 +34,9 @@ namespace bench {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// How many times each search of a few milliseconds is pressed.
+constexpr int ShortSearchTimes = 5;
 
 double millisecondsSince(Clock::time_point start, Clock::time_point end = Clock::now()) {
     return std::chrono::duration<double, std::milli>(end - start).count();
@@ -119,32 +125,55 @@ void save(const char* step) {
     report(step, ms);
 }
 
+// The middle of a few times.
+double median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    const std::size_t middle = times.size() / 2;
+    return times.size() % 2 == 1 ? times[middle] : (times[middle - 1] + times[middle]) / 2;
+}
+
 // Presses Search with the criteria set, and times the first rows and the whole list as Edit's
-// are timed. The statement goes to the parent, which runs it in the sqlite3 shell; with `keys`,
-// so do the keys of the rows found, which the parent compares with the shell's.
-void timeSearch(const char* step, const std::function<void()>& criteria, bool keys = false) {
+// are timed, `times` times. The statement goes to the parent, which runs it in
+// the sqlite3 shell; with `keys`, so do the keys of the rows found, which the parent compares
+// with the shell's.
+void timeSearch(const char* step, const std::function<void()>& criteria, bool keys = false, int times = 1) {
     auto& screen = frmSearchDocument::instance();
-    screen.ResetSearchForm();
-    criteria();
-    expectNoMessage("choosing the criteria");
     auto* list = control<platform::ListView>("lstList", screen);
-    PaintWatch paints(list);
-    list->viewport()->installEventFilter(&paints);
-    const auto pressed = Clock::now();
-    screen.cmdSearch_Click();
-    list->scrollToBottom();
-    const auto scrolled = Clock::now();
-    for (int i = 0; i < 100 && !(paints.latest && *paints.latest >= scrolled); ++i)
-        QCoreApplication::processEvents();
-    const auto ready = Clock::now();
-    expectNoMessage(step);
-    if (list->ListCount() == 0)
-        throw StepFailed{QStringLiteral("%1 found nothing").arg(QLatin1String(step))};
+    std::vector<double> first, whole;
+    long peakAtFirst = 0;
+    for (int time = 0; time < times; ++time) {
+        screen.ResetSearchForm();
+        criteria();
+        expectNoMessage("choosing the criteria");
+        PaintWatch paints(list);
+        list->viewport()->installEventFilter(&paints);
+        const auto pressed = Clock::now();
+        screen.cmdSearch_Click();
+        list->scrollToBottom();
+        const auto scrolled = Clock::now();
+        for (int i = 0; i < 100 && !(paints.latest && *paints.latest >= scrolled); ++i)
+            QCoreApplication::processEvents();
+        const auto ready = Clock::now();
+        list->viewport()->removeEventFilter(&paints);
+        expectNoMessage(step);
+        if (list->ListCount() == 0)
+            throw StepFailed{QStringLiteral("%1 found nothing").arg(QLatin1String(step))};
+        if (paints.firstWithRows) {
+            first.push_back(millisecondsSince(pressed, *paints.firstWithRows));
+            peakAtFirst = std::max(peakAtFirst, paints.peakAtFirstWithRows);
+        }
+        whole.push_back(millisecondsSince(pressed, ready));
+    }
+    // The first press, as a clerk's first search; with more presses also their median.
     const QByteArray name(step);
-    if (paints.firstWithRows)
-        report((name + "-first").constData(), millisecondsSince(pressed, *paints.firstWithRows),
-               paints.peakAtFirstWithRows);
-    report((name + "-whole").constData(), millisecondsSince(pressed, ready));
+    if (!first.empty())
+        report((name + "-first").constData(), first.front(), peakAtFirst);
+    report((name + "-whole").constData(), whole.front());
+    if (times > 1) {
+        if (!first.empty())
+            report((name + "-first-median").constData(), median(first), peakAtFirst);
+        report((name + "-whole-median").constData(), median(whole));
+    }
     std::printf("rows %s %d\n", step, list->ListCount());
     if (keys) {
         std::printf("keys %s", step);
@@ -229,22 +258,28 @@ void searchSteps(const QString& folder) {
     timeSearch("search-all", [] {});
     previewSteps(screen, QDir(folder).filePath(QStringLiteral("previews")));
     // The first type and category (in the order of their names), over six years.
-    timeSearch("search-filtered", [&screen] {
-        control<platform::ComboBox>("cboDocType", screen)->setListIndex(0);
-        control<platform::ComboBox>("cboDocCategory", screen)->setListIndex(0);
-        control<platform::DatePicker>("dtpDocFrom", screen)->setValue(QDate(2010, 1, 1));
-        control<platform::DatePicker>("dtpDocTo", screen)->setValue(QDate(2015, 12, 31));
-    });
+    // The short searches are pressed a few times each: a moment of a busy machine weighs less.
+    timeSearch(
+        "search-filtered",
+        [&screen] {
+            control<platform::ComboBox>("cboDocType", screen)->setListIndex(0);
+            control<platform::ComboBox>("cboDocCategory", screen)->setListIndex(0);
+            control<platform::DatePicker>("dtpDocFrom", screen)->setValue(QDate(2010, 1, 1));
+            control<platform::DatePicker>("dtpDocTo", screen)->setValue(QDate(2015, 12, 31));
+        },
+        false, ShortSearchTimes);
     // A number in the first title: a few rows in a thousand at most.
-    timeSearch("search-contains",
-               [&screen] { control<QLineEdit>("txtTitle1", screen)->setText(QStringLiteral("4471")); });
+    timeSearch(
+        "search-contains",
+        [&screen] { control<QLineEdit>("txtTitle1", screen)->setText(QStringLiteral("4471")); }, false,
+        ShortSearchTimes);
     // A name in the soft copies' texts: one document in a thousand.
     timeSearch(
         "search-softcopy",
         [&screen] {
             control<QLineEdit>("txtSoftCopyText", screen)->setText(QString::fromLatin1(RareWords[0].word));
         },
-        true);
+        true, ShortSearchTimes);
     screen.Unload();
 }
 
@@ -255,8 +290,18 @@ struct {
     bool idle = false;
 } background;
 
-// The main window reads the soft copies that wait, as after a login.
-void startReading() {
+// The main window reads the soft copies that wait, as after a login. The run's soft copies wait
+// again first, as a save with their path left them, so that every run with the reading reads
+// the same files.
+void startReading(const QString& folder) {
+    {
+        auto c = std::make_shared<db::Connection>();
+        c->Open(GenMod::DataSourceName, GenMod::DataSourceUser, GenMod::DataSourcePassword);
+        c->Execute(QStringLiteral("Update SoftCopy set ReadState='waiting', Reason=Null, SoftText=Null, "
+                                  "ClaimedBy=Null, ClaimedAt=Null where IndexID in (Select IndexID from "
+                                  "Vorlane where FilePath like %1)")
+                       .arg(db::sql::quoteString(QDir(folder).filePath(QStringLiteral("softcopies/%")))));
+    }
     SoftCopyWork& work = MDI::instance().softCopyWork();
     work.reader().setHelper(QStringLiteral(VORLANE_READER));
     // Counted in this thread: the work tells from its own.
@@ -272,7 +317,7 @@ void run(int documents, const QString& folder) {
     MDI::instance().Show();
     MDI::instance().window()->resize(1024, 720);
     if (background.on)
-        startReading();
+        startReading(folder);
     form.Show();
     QCoreApplication::processEvents();
     expectNoMessage("opening the screen");

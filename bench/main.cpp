@@ -2,10 +2,12 @@
 // shell running the same statements on the same file, for offices of chosen sizes. With
 // --server, the office is copied into the database of the data source "Vorlane" on a
 // PostgreSQL server, the screens run on it, and psql runs the same statements beside them.
-// Each size runs the screens twice: as they are, and while the soft copies of a few hundred
-// documents are read in the background. Before the sizes, it times the reading of soft copies
-// (PDF text and OCR) through vorlane-reader beside pdftotext and tesseract on the same files.
+// Each size runs the screens as they are and while the soft copies of a few hundred documents
+// are read in the background, in turn, a few times each way; a step's time is its median. Before
+// the sizes, it times the reading of soft copies (PDF text and OCR) through vorlane-reader
+// beside pdftotext and tesseract on the same files.
 //   vorlane_bench [--rows 100000,1000000] [--data <folder>] [--server] [--reading-files 24]
+//                 [--repeats 3]
 // Exits 0 whatever the times; 1 when a step failed (a wrong row count, a save that did not
 // succeed, a missing sqlite3 shell), 2 on a wrong command line.
 #include "Driver.h"
@@ -24,6 +26,7 @@
 #include <QLocale>
 #include <QMap>
 #include <QSet>
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
@@ -33,6 +36,8 @@ const char* const ListStatement = "Select * from Vorlane order by DocDate desc";
 
 // Where the screens run: the office's file, or the server of the data source.
 bool onServer = false;
+// How many times the screens run each way, without and with the reading.
+int repeats = 3;
 
 QString shellName() {
     return onServer ? QStringLiteral("psql") : QStringLiteral("sqlite3");
@@ -66,7 +71,7 @@ struct ScreenRun {
     QMap<QByteArray, QSet<QByteArray>> keys; // search step -> the keys of the rows found
     QStringList failures;
     long peakKiB = 0;
-    int backgroundStored = -1; // soft copies read in the background during the steps
+    QList<int> backgroundStored; // soft copies read in the background during the steps, each run
     bool backgroundRunning = false;
 };
 
@@ -107,7 +112,7 @@ ScreenRun parseScreen(const bench::Run& run) {
         else if (words.size() >= 2 && words[0] == "keys")
             s.keys.insert(words[1], QSet<QByteArray>(words.begin() + 2, words.end()));
         else if (words.size() == 3 && words[0] == "background") {
-            s.backgroundStored = words[1].toInt();
+            s.backgroundStored << words[1].toInt();
             s.backgroundRunning = words[2] == "1";
         } else if (line.startsWith("fail "))
             s.failures << QString::fromUtf8(line.mid(5));
@@ -123,6 +128,30 @@ ScreenRun parseScreen(const bench::Run& run) {
     if (s.peakKiB == 0)
         s.peakKiB = run.peakKiB;
     return s;
+}
+
+// The runs of the screens one way as one: each step's median time and highest peak, the failures
+// of every run, and the rest from the first run.
+ScreenRun combine(const QList<ScreenRun>& runs) {
+    ScreenRun all = runs.first();
+    for (auto it = all.steps.begin(); it != all.steps.end(); ++it) {
+        QList<double> times;
+        for (const ScreenRun& run : runs)
+            if (run.steps.contains(it.key())) {
+                times << run.steps.value(it.key()).first;
+                it->second = std::max(it->second, run.steps.value(it.key()).second);
+            }
+        std::sort(times.begin(), times.end());
+        const auto middle = times.size() / 2;
+        it->first = times.size() % 2 == 1 ? times[middle] : (times[middle - 1] + times[middle]) / 2;
+    }
+    for (const ScreenRun& run : runs.mid(1)) {
+        all.failures << run.failures;
+        all.peakKiB = std::max(all.peakKiB, run.peakKiB);
+        all.backgroundStored << run.backgroundStored;
+        all.backgroundRunning = all.backgroundRunning || run.backgroundRunning;
+    }
+    return all;
 }
 
 // The screen's rows against the shell's: "same" with their number when they are the same.
@@ -222,8 +251,11 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
     }
 
     r.shellList = runShell(database, QString::fromLatin1(ListStatement));
-    const bench::Run screen = bench::runProgram(screenCommand(documents, runFolder, false), true);
-    r.screen = parseScreen(screen);
+    // Each run of the screens saves one new document.
+    int saved = 0;
+    QList<ScreenRun> plain{
+        parseScreen(bench::runProgram(screenCommand(documents + saved++, runFolder, false), true))};
+    r.screen = plain.first();
     // The row that the screen loaded; the last one entered if it loaded none.
     const QByteArray key = r.screen.key.isEmpty() ? QByteArray::number(documents) : r.screen.key;
     r.shellLoad = runShell(
@@ -241,8 +273,17 @@ SizeResult measure(int documents, const QString& dataFolder, QStringList& failur
             r.softCopyRows = compareRows(r.screen.keys.value(it.key()), run.output, failures, documents);
     }
 
-    // The same steps while the waiting soft copies are read; the first run saved a new document.
-    r.reading = parseScreen(bench::runProgram(screenCommand(documents + 1, runFolder, true), true));
+    // The same steps while the waiting soft copies are read, and again each way in turn, so that
+    // the load of the machine weighs on both alike.
+    QList<ScreenRun> reading;
+    for (int i = 0; i < repeats; ++i) {
+        if (i > 0)
+            plain << parseScreen(
+                bench::runProgram(screenCommand(documents + saved++, runFolder, false), true));
+        reading << parseScreen(bench::runProgram(screenCommand(documents + saved++, runFolder, true), true));
+    }
+    r.screen = combine(plain);
+    r.reading = combine(reading);
     for (const QString& f : std::as_const(r.reading.failures))
         failures << QStringLiteral("%1 documents, reading: %2").arg(thousands(documents), f);
 
@@ -303,7 +344,10 @@ void printReadingTable(const QList<SizeResult>& results) {
     for (const SizeResult& r : results) {
         const QString n = thousands(r.documents);
         for (const auto& [key, caption] : steps) {
-            const QByteArray k(key);
+            // A search pressed several times compares the median of its presses.
+            const QByteArray k = r.screen.steps.contains(QByteArray(key) + "-median")
+                                     ? QByteArray(key) + "-median"
+                                     : QByteArray(key);
             const bool have = r.screen.steps.contains(k) && r.reading.steps.contains(k);
             const double without = r.screen.steps.value(k).first;
             const double with = r.reading.steps.value(k).first;
@@ -317,13 +361,17 @@ void printReadingTable(const QList<SizeResult>& results) {
             line(n, QStringLiteral("Peak of the program"), megabytes(r.screen.peakKiB),
                  megabytes(r.reading.peakKiB), QString(),
                  QStringLiteral("< 300 MB: ") + verdict(double(r.reading.peakKiB) * 1024 < 300e6));
-        if (r.reading.backgroundStored >= 0)
+        if (!r.reading.backgroundStored.isEmpty()) {
+            QStringList stored;
+            for (const int count : r.reading.backgroundStored)
+                stored << QString::number(count);
             out(QStringLiteral("%1  soft copies read during the steps: %2 of %3 waiting, %4 at the end")
                     .arg(n, 9)
-                    .arg(r.reading.backgroundStored)
+                    .arg(stored.join(QStringLiteral(", ")))
                     .arg(r.waiting)
                     .arg(r.reading.backgroundRunning ? QStringLiteral("still reading")
                                                      : QStringLiteral("done")));
+        }
     }
 }
 
@@ -475,13 +523,15 @@ void printTable(const QList<SizeResult>& results) {
             "%1, a contains-search <= 150 ms, peak < 300 MB, save < 20 ms; while soft copies "
             "are read in the background, each step <= 1.2x its time without. Preview: the mean of 20 "
             "first pages after a selection, the longest arrow key of 200 held (one every 33 ms), and the "
-            "page of the last row after them.")
+            "page of the last row after them. The searches by type, title and soft copy text are pressed "
+            "five times: the first table shows the first press, the second the median of the five.")
             .arg(shellName()));
     if (onServer)
         out(QStringLiteral("The store is the PostgreSQL server of the data source \"Vorlane\"."));
-    out(QStringLiteral(
-        "Times are wall clock of one run each, on a warm cache; the peaks are the resident memory "
-        "of the whole process so far."));
+    out(QStringLiteral("Times are wall clock on a warm cache, each the median of %1 runs of the screens "
+                       "without the reading and %1 with it, in turn; the peaks are the resident memory "
+                       "of the whole process so far, the highest of the runs.")
+            .arg(repeats));
     // A started program's peak includes what this process held when starting it: the floor.
     const bench::Run floor = bench::runProgram({QStringLiteral("true")}, false);
     if (floor.ok())
@@ -491,7 +541,7 @@ void printTable(const QList<SizeResult>& results) {
 
 int usage() {
     std::fprintf(stderr, "usage: vorlane_bench [--rows 100000,1000000] [--data <folder>] [--server] "
-                         "[--reading-files 24]\n");
+                         "[--reading-files 24] [--repeats 3]\n");
     return 2;
 }
 
@@ -556,6 +606,11 @@ int main(int argc, char** argv) {
             bool ok = false;
             readingFiles = args[++i].toInt(&ok);
             if (!ok || readingFiles < 0)
+                return usage();
+        } else if (args[i] == QLatin1String("--repeats") && i + 1 < args.size()) {
+            bool ok = false;
+            repeats = args[++i].toInt(&ok);
+            if (!ok || repeats < 1)
                 return usage();
         } else if (args[i] == QLatin1String("--server")) {
             onServer = true;

@@ -3,11 +3,13 @@
 #include "DateText.h"
 #include "Dialect.h"
 #include "Engine.h"
+#include "Foreground.h"
 #include "Schema.h"
 #include "SqlText.h"
 
 #include <QDate>
 #include <QRegularExpression>
+#include <optional>
 
 namespace db {
 
@@ -55,12 +57,14 @@ void Connection::release() {
         }
     }
     m_inTransaction = false;
+    m_transactionHeld.reset();
     m_engine.reset();
 }
 
 Engine& Connection::engine() const {
     if (!m_engine)
         throw platform::Error(ErrObjectClosed, TextObjectClosed);
+    foreground::used();
     m_engine->setTimeout(CommandTimeout);
     return *m_engine;
 }
@@ -76,6 +80,7 @@ void Connection::Open(const QString& connectionString, const QString& userID, co
         password.isEmpty()
             ? connectionStringValue(connectionString, {QStringLiteral("Password"), QStringLiteral("PWD")})
             : password;
+    foreground::used();
     m_engine = openEngine(dsn, user, pass, CommandTimeout);
     m_engine->setTimeout(CommandTimeout);
 }
@@ -94,8 +99,10 @@ void Connection::BeginTrans() {
     if (m_inTransaction)
         throw platform::Error(ErrStatement,
                               QStringLiteral("A transaction is already open on this connection."));
+    auto held = std::make_unique<foreground::Hold>();
     e.beginTransaction();
     m_inTransaction = true;
+    m_transactionHeld = std::move(held);
 }
 
 void Connection::CommitTrans() {
@@ -104,6 +111,7 @@ void Connection::CommitTrans() {
         throw platform::Error(ErrStatement, QStringLiteral("No transaction is open on this connection."));
     e.commitTransaction();
     m_inTransaction = false;
+    m_transactionHeld.reset();
 }
 
 void Connection::RollbackTrans() {
@@ -111,6 +119,7 @@ void Connection::RollbackTrans() {
     if (!m_inTransaction)
         throw platform::Error(ErrStatement, QStringLiteral("No transaction is open on this connection."));
     m_inTransaction = false;
+    const std::unique_ptr<foreground::Hold> held = std::move(m_transactionHeld);
     e.rollbackTransaction();
 }
 
@@ -137,6 +146,7 @@ struct Recordset::Impl {
     // and its statement ends at EOF or Close. Declared after the connection, so that it ends
     // before the connection can.
     bool streaming = false;
+    std::optional<foreground::Hold> cursorHeld; // while the statement runs
     std::unique_ptr<Cursor> cursor;
     bool streamRow = false;   // the cursor stands on a row
     bool streamEmpty = false; // the statement gave no row at all
@@ -167,10 +177,11 @@ struct Recordset::Impl {
                                   QStringLiteral("Only a Select statement can open a recordset."));
         names.clear();
         rows.clear();
-        cursor.reset();
+        endCursor();
         position = 0;
         if (streaming) {
             cursor = engine.query(text);
+            cursorHeld.emplace();
             names = cursor->names();
             advance();
             streamEmpty = !streamRow;
@@ -185,7 +196,12 @@ struct Recordset::Impl {
     void advance() {
         streamRow = cursor->next();
         if (!streamRow)
-            cursor.reset();
+            endCursor();
+    }
+
+    void endCursor() {
+        cursor.reset();
+        cursorHeld.reset();
     }
 
     bool atEnd() const { return streaming ? !streamRow : position >= rows.size(); }
@@ -248,7 +264,7 @@ void Recordset::Open(const QString& source, const ConnectionPtr& connection, int
     try {
         d.load();
     } catch (...) {
-        d.cursor.reset();
+        d.endCursor();
         d.connection.reset();
         throw;
     }
@@ -271,7 +287,7 @@ void Recordset::Close() {
     d.pending.clear();
     d.rows.clear();
     d.names.clear();
-    d.cursor.reset();
+    d.endCursor();
     d.connection.reset();
 }
 

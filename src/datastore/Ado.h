@@ -33,6 +33,9 @@ enum ObjectState : int { adStateClosed = 0, adStateOpen = 1 };
 
 class Dialect;
 class Engine;
+namespace foreground {
+class Hold;
+}
 
 // One connection to the data store. It is opened once; releasing the last reference closes it
 // and discards any transaction that is still open.
@@ -77,6 +80,8 @@ class Connection {
 
     std::unique_ptr<Engine> m_engine;
     bool m_inTransaction = false;
+    // A transaction of the screens keeps the background waiting (Foreground.h).
+    std::unique_ptr<foreground::Hold> m_transactionHeld;
 };
 
 using ConnectionPtr = std::shared_ptr<Connection>;

@@ -1,15 +1,21 @@
 #include "SoftCopyWork.h"
 
+#include "datastore/Foreground.h"
 #include "datastore/SqlText.h"
 #include "session/GenMod.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QFileInfo>
 #include <QThread>
 #include <utility>
 
 namespace {
+
+// The longest that a write waits for the screens of this seat.
+constexpr int YieldMilliseconds = 1000;
 
 // The document saved last in this program, to be read next; 0 for none.
 std::atomic<qint64> savedLast{0};
@@ -64,10 +70,17 @@ const db::ConnectionPtr& SoftCopyWork::connection() {
     return m_connection;
 }
 
-// One transaction that takes the write lock; a connection that failed is opened again next time.
+// One transaction that takes the write lock, begun once the screens of this seat leave the
+// database alone (or after a while of waiting for them); a connection that failed is opened
+// again next time.
 template <typename Work> auto SoftCopyWork::inTransaction(Work work) {
     const db::ConnectionPtr c = connection();
     try {
+        // A little at a time, so that a stop does not wait for the screens.
+        QElapsedTimer waited;
+        waited.start();
+        while (!m_stop && !db::foreground::waitUntilFree(50) && !waited.hasExpired(YieldMilliseconds)) {
+        }
         c->BeginTrans();
         auto result = work(c);
         c->CommitTrans();
@@ -81,34 +94,35 @@ template <typename Work> auto SoftCopyWork::inTransaction(Work work) {
 }
 
 std::optional<SoftCopyClaim> SoftCopyWork::claimNext(const QDateTime& now) {
+    return inTransaction([&](const db::ConnectionPtr& c) { return claimIn(c, now); });
+}
+
+std::optional<SoftCopyClaim> SoftCopyWork::claimIn(const db::ConnectionPtr& c, const QDateTime& now) {
     const QString free = QStringLiteral(" and (S.ClaimedAt is null or S.ClaimedAt < %1)")
                              .arg(db::sql::quoteString(stamp(now.addSecs(-60LL * m_claimMinutes))));
     const qint64 saved = savedLast.exchange(0);
-    return inTransaction([&](const db::ConnectionPtr& c) -> std::optional<SoftCopyClaim> {
-        // The waiting come newest first through the queue's index; those left for other seats
-        // are fewer than the rows asked for, so one is always this seat's if any waits.
-        QString statement =
-            QStringLiteral("Select S.IndexID, I.FilePath from SoftCopy S inner join Vorlane I on "
-                           "I.IndexID=S.IndexID where S.ReadState='waiting'") +
-            free;
-        if (saved != 0 && !m_leftForOthers.contains(saved))
-            statement += QStringLiteral(" and S.IndexID=") + QString::number(saved);
-        else
-            statement += QStringLiteral(" order by S.DocDate desc, S.IndexID desc limit ") +
-                         QString::number(m_leftForOthers.size() + 1);
-        std::optional<SoftCopyClaim> claim;
-        db::Recordset rs;
-        rs.Open(statement, c, db::adOpenForwardOnly, db::adLockReadOnly);
-        for (; !rs.eof() && !claim; rs.MoveNext())
-            if (!m_leftForOthers.contains(rs.Fields(0).toLongLong()))
-                claim = SoftCopyClaim{rs.Fields(0).toLongLong(), rs.Fields(1).toString().trimmed()};
-        rs.Close();
-        if (claim)
-            c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=%1, ClaimedAt=%2 where IndexID=%3")
-                           .arg(db::sql::quoteString(m_seat), db::sql::quoteString(stamp(now)),
-                                QString::number(claim->indexId)));
-        return claim;
-    });
+    // The waiting come newest first through the queue's index; those left for other seats
+    // are fewer than the rows asked for, so one is always this seat's if any waits.
+    QString statement = QStringLiteral("Select S.IndexID, I.FilePath from SoftCopy S inner join Vorlane I on "
+                                       "I.IndexID=S.IndexID where S.ReadState='waiting'") +
+                        free;
+    if (saved != 0 && !m_leftForOthers.contains(saved))
+        statement += QStringLiteral(" and S.IndexID=") + QString::number(saved);
+    else
+        statement += QStringLiteral(" order by S.DocDate desc, S.IndexID desc limit ") +
+                     QString::number(m_leftForOthers.size() + 1);
+    std::optional<SoftCopyClaim> claim;
+    db::Recordset rs;
+    rs.Open(statement, c, db::adOpenForwardOnly, db::adLockReadOnly);
+    for (; !rs.eof() && !claim; rs.MoveNext())
+        if (!m_leftForOthers.contains(rs.Fields(0).toLongLong()))
+            claim = SoftCopyClaim{rs.Fields(0).toLongLong(), rs.Fields(1).toString().trimmed()};
+    rs.Close();
+    if (claim)
+        c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=%1, ClaimedAt=%2 where IndexID=%3")
+                       .arg(db::sql::quoteString(m_seat), db::sql::quoteString(stamp(now)),
+                            QString::number(claim->indexId)));
+    return claim;
 }
 
 SoftCopyReading SoftCopyWork::read(const QString& path) const {
@@ -127,32 +141,37 @@ SoftCopyReading SoftCopyWork::read(const QString& path) const {
 
 void SoftCopyWork::store(const SoftCopyClaim& claim, const SoftCopyReading& reading) {
     inTransaction([&](const db::ConnectionPtr& c) {
-        const QString id = QString::number(claim.indexId);
-        const QString held =
-            QStringLiteral(" where IndexID=%1 and ClaimedBy=%2").arg(id, db::sql::quoteString(m_seat));
-        db::Recordset rs;
-        rs.Open(QStringLiteral("Select FilePath from Vorlane where IndexID=") + id, c, db::adOpenForwardOnly,
-                db::adLockReadOnly);
-        // A document deleted or saved with another path meanwhile: its row is gone, or waits again.
-        const bool samePath = !rs.eof() && rs.Fields(0).toString().trimmed() == claim.path;
-        rs.Close();
-        if (reading.unreachable || reading.cancelled || !samePath) {
-            c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=Null, ClaimedAt=Null") + held);
-            return 0;
-        }
-        const SoftCopyText& r = reading.result;
-        c->Execute(QStringLiteral("Update SoftCopy set ReadPath=%1, FileSize=%2, FileTime=%3, ReadState=%4, "
-                                  "Reason=%5, SoftText=%6, ClaimedBy=Null, ClaimedAt=Null")
-                       .arg(db::sql::quoteString(claim.path), db::sql::quoteString(reading.size),
-                            db::sql::quoteString(reading.modified), db::sql::quoteString(stateName(r.state)),
-                            r.reason.isEmpty() ? QStringLiteral("Null") : db::sql::quoteString(r.reason),
-                            r.state == SoftCopyText::State::Read ? db::sql::quoteString(r.text)
-                                                                 : QStringLiteral("Null")) +
-                   held);
+        storeIn(c, claim, reading);
         return 0;
     });
+}
+
+void SoftCopyWork::storeIn(const db::ConnectionPtr& c, const SoftCopyClaim& claim,
+                           const SoftCopyReading& reading) {
+    const QString id = QString::number(claim.indexId);
+    const QString held =
+        QStringLiteral(" where IndexID=%1 and ClaimedBy=%2").arg(id, db::sql::quoteString(m_seat));
+    db::Recordset rs;
+    rs.Open(QStringLiteral("Select FilePath from Vorlane where IndexID=") + id, c, db::adOpenForwardOnly,
+            db::adLockReadOnly);
+    // A document deleted or saved with another path meanwhile: its row is gone, or waits again.
+    const bool samePath = !rs.eof() && rs.Fields(0).toString().trimmed() == claim.path;
+    rs.Close();
     if (reading.unreachable)
         m_leftForOthers.insert(claim.indexId);
+    if (reading.unreachable || reading.cancelled || !samePath) {
+        c->Execute(QStringLiteral("Update SoftCopy set ClaimedBy=Null, ClaimedAt=Null") + held);
+        return;
+    }
+    const SoftCopyText& r = reading.result;
+    c->Execute(QStringLiteral("Update SoftCopy set ReadPath=%1, FileSize=%2, FileTime=%3, ReadState=%4, "
+                              "Reason=%5, SoftText=%6, ClaimedBy=Null, ClaimedAt=Null")
+                   .arg(db::sql::quoteString(claim.path), db::sql::quoteString(reading.size),
+                        db::sql::quoteString(reading.modified), db::sql::quoteString(stateName(r.state)),
+                        r.reason.isEmpty() ? QStringLiteral("Null") : db::sql::quoteString(r.reason),
+                        r.state == SoftCopyText::State::Read ? db::sql::quoteString(r.text)
+                                                             : QStringLiteral("Null")) +
+               held);
 }
 
 qint64 SoftCopyWork::sweepChanged(qint64 after, int batch, qint64* changedCount) {
@@ -224,6 +243,22 @@ void SoftCopyWork::start() {
             start();
     });
     m_thread->start(QThread::LowPriority);
+    if (QCoreApplication* app = QCoreApplication::instance(); app && app->thread() == thread())
+        app->installEventFilter(this);
+}
+
+bool SoftCopyWork::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::KeyPress:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+        db::foreground::used();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void SoftCopyWork::stop() {
@@ -257,12 +292,19 @@ qint64 SoftCopyWork::readWaiting() {
     QElapsedTimer counted; // the waiting are counted again every few seconds
     counted.start();
     emit progress(0, total);
-    while (!m_stop) {
-        const auto claim = claimNext(QDateTime::currentDateTimeUtc());
-        if (!claim)
-            break;
+    std::optional<SoftCopyClaim> claim;
+    if (!m_stop)
+        claim = claimNext(QDateTime::currentDateTimeUtc());
+    while (claim) {
         const SoftCopyReading reading = read(claim->path);
-        store(*claim, reading);
+        // The outcome and the claim of the next document in one write of the file.
+        const SoftCopyClaim current = *claim;
+        claim = inTransaction([&](const db::ConnectionPtr& c) -> std::optional<SoftCopyClaim> {
+            storeIn(c, current, reading);
+            if (m_stop || reading.cancelled)
+                return std::nullopt;
+            return claimIn(c, QDateTime::currentDateTimeUtc());
+        });
         if (reading.cancelled)
             break;
         ++done;
@@ -270,7 +312,7 @@ qint64 SoftCopyWork::readWaiting() {
             total = done + waitingCount();
             counted.restart();
         }
-        emit stored(claim->indexId);
+        emit stored(current.indexId);
         emit progress(done, qMax(total, done));
     }
     return done;

@@ -34,10 +34,13 @@ struct SoftCopyReading {
 // The soft copies' texts in the background of a seat, without a window. In a worker thread of
 // its own, it takes the documents that wait to be read, newest first, one at a time, holds each
 // by a claim in the database (so that seats sharing the database never read a document twice),
-// reads it through SoftCopyReader, and stores the outcome in one transaction. A claim older than
-// the claim time is taken to be that of a seat that died, and is taken over. When none waits, it
-// looks through the documents already read for files that changed since (size or modification
-// time), a batch at a time, and sets those waiting; then it rests and looks again.
+// reads it through SoftCopyReader, and stores the outcome and claims the next document in one
+// transaction. Each transaction waits until the screens of this seat leave the database alone
+// (db::foreground), a second at most, so that a clerk never waits for the file behind it. A
+// claim older than the claim time is taken to be that of a seat that died, and is taken over.
+// When none waits, it looks through the documents already read for files that changed since
+// (size or modification time), a batch at a time, and sets those waiting; then it rests and
+// looks again.
 class SoftCopyWork : public QObject {
     Q_OBJECT
   public:
@@ -96,10 +99,18 @@ class SoftCopyWork : public QObject {
     // The worker thread ended after stop().
     void stopped();
 
+  protected:
+    // The clerk's keys and clicks count as a use of the database by the screens: the next write
+    // waits for the screen's answer.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void run();
     void rest(int seconds);
     const db::ConnectionPtr& connection();
+    // claimNext() and store() inside a transaction of `c`.
+    std::optional<SoftCopyClaim> claimIn(const db::ConnectionPtr& c, const QDateTime& now);
+    void storeIn(const db::ConnectionPtr& c, const SoftCopyClaim& claim, const SoftCopyReading& reading);
     template <typename Work> auto inTransaction(Work work);
 
     QString m_seat;

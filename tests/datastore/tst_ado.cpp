@@ -1,4 +1,5 @@
 #include "datastore/Ado.h"
+#include "datastore/Foreground.h"
 #include "datastore/Schema.h"
 #include "platform/TestHooks.h"
 #include "support/TestSupport.h"
@@ -44,6 +45,7 @@ class AdoTest : public QObject {
     void transactions();
     void addNewOnDynamicCursor();
     void secondSeatWaitsForTheWriteLock();
+    void backgroundWaitsWhileTheScreensHoldTheStore();
     void textComparisonIgnoresCase();
     void refusedStatementsAreNotRun();
 
@@ -326,6 +328,44 @@ void AdoTest::secondSeatWaitsForTheWriteLock() {
     second->Execute(QStringLiteral("Insert into DocumentType values(2,'second',1)"));
     second->CommitTrans();
     QCOMPARE(scalar(first, QStringLiteral("Select count(*) from DocumentType")).toInt(), 2);
+}
+
+void AdoTest::backgroundWaitsWhileTheScreensHoldTheStore() {
+    // Whether a thread of the background finds the store left alone, waiting up to `ms`.
+    const auto freeFor = [](int ms) {
+        bool free = false;
+        std::unique_ptr<QThread> background(
+            QThread::create([&] { free = db::foreground::waitUntilFree(ms); }));
+        background->start();
+        background->wait();
+        return free;
+    };
+    auto c = openStore();
+    c->Execute(QStringLiteral("Insert into DocumentType values(1,'first',1)"));
+    c->Execute(QStringLiteral("Insert into DocumentType values(2,'second',1)"));
+    QVERIFY(freeFor(10000));
+
+    c->BeginTrans();
+    QVERIFY(!freeFor(200));
+    // The screens' own thread never waits for itself.
+    QVERIFY(db::foreground::waitUntilFree(0));
+    c->RollbackTrans();
+    QVERIFY(freeFor(10000));
+
+    db::Recordset rs;
+    rs.Open(QStringLiteral("Select TypeID from DocumentType order by TypeID"), c, db::adOpenForwardOnly,
+            db::adLockReadOnly);
+    QVERIFY(!freeFor(200));
+    rs.MoveNext();
+    rs.MoveNext();
+    QVERIFY(rs.eof());
+    QVERIFY(freeFor(10000));
+    rs.Close();
+
+    // A connection let go of in a transaction discards it.
+    c->BeginTrans();
+    c.reset();
+    QVERIFY(freeFor(10000));
 }
 
 void AdoTest::textComparisonIgnoresCase() {

@@ -1,0 +1,31 @@
+#pragma once
+
+// The screens' use of the data store, for work in other threads that gives way to them. The
+// program's main thread, which runs the screens, uses the store while it keeps a transaction or
+// a streaming statement open, and for a moment after each statement, which may be one of several
+// that a screen runs for one click. Meanwhile a write of the background would make the screen
+// wait for the file: the background waits first.
+namespace db::foreground {
+
+// Notes that the calling thread uses the store, or is about to: the data layer tells each
+// statement, the background work the clerk's keys and clicks. Only the main thread counts.
+void used();
+
+// A transaction or a streaming statement of the calling thread, held from construction to
+// destruction; only the main thread's count.
+class Hold {
+  public:
+    Hold();
+    ~Hold();
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+  private:
+    bool m_counted;
+};
+
+// Waits until the screens do not use the store, up to `milliseconds`: false when they still do.
+// The main thread never waits for itself.
+bool waitUntilFree(int milliseconds);
+
+} // namespace db::foreground
