@@ -4,7 +4,9 @@
 #include <QThread>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <mutex>
+#include <vector>
 
 namespace db::foreground {
 
@@ -15,12 +17,28 @@ using Clock = std::chrono::steady_clock;
 // How long the store counts as used after a statement of the main thread.
 constexpr std::chrono::milliseconds Moment{100};
 
+} // namespace
+
 struct State {
     std::mutex lock;
     std::condition_variable released;
     Clock::time_point lastUse;
     int holds = 0;
+    std::vector<YieldingGroup*> groups;
+
+    // Under the lock, in the main thread: the screens use the store now.
+    void use() {
+        lastUse = Clock::now();
+        for (YieldingGroup* group : groups)
+            if (!group->m_stopped)
+                group->m_stopped = ::kill(-group->m_group, SIGSTOP) == 0;
+    }
+
+    // Under the lock.
+    bool free(Clock::time_point now) const { return holds == 0 && now >= lastUse + Moment; }
 };
+
+namespace {
 
 State& state() {
     static State s;
@@ -39,7 +57,7 @@ void used() {
         return;
     State& s = state();
     const std::lock_guard<std::mutex> guard(s.lock);
-    s.lastUse = Clock::now();
+    s.use();
 }
 
 Hold::Hold() : m_counted(inMainThread()) {
@@ -47,7 +65,7 @@ Hold::Hold() : m_counted(inMainThread()) {
         return;
     State& s = state();
     const std::lock_guard<std::mutex> guard(s.lock);
-    s.lastUse = Clock::now();
+    s.use();
     ++s.holds;
 }
 
@@ -71,13 +89,44 @@ bool waitUntilFree(int milliseconds) {
     std::unique_lock<std::mutex> guard(s.lock);
     for (;;) {
         const Clock::time_point now = Clock::now();
-        if (s.holds == 0 && now >= s.lastUse + Moment)
+        if (s.free(now))
             return true;
         if (now >= limit)
             return false;
         // A hold ends with a notice; a moment runs out by itself.
         s.released.wait_until(guard, s.holds > 0 ? limit : std::min(limit, s.lastUse + Moment));
     }
+}
+
+YieldingGroup::YieldingGroup(int group) : m_group(group), m_counted(!inMainThread()) {
+    if (!m_counted)
+        return;
+    State& s = state();
+    const std::lock_guard<std::mutex> guard(s.lock);
+    s.groups.push_back(this);
+    // A group that starts while the screens work waits for them from the start.
+    if (!s.free(Clock::now()))
+        m_stopped = ::kill(-m_group, SIGSTOP) == 0;
+}
+
+YieldingGroup::~YieldingGroup() {
+    if (!m_counted)
+        return;
+    State& s = state();
+    const std::lock_guard<std::mutex> guard(s.lock);
+    std::erase(s.groups, this);
+    if (m_stopped)
+        ::kill(-m_group, SIGCONT);
+}
+
+bool YieldingGroup::stopped() {
+    if (!m_counted)
+        return false;
+    State& s = state();
+    const std::lock_guard<std::mutex> guard(s.lock);
+    if (m_stopped && s.free(Clock::now()))
+        m_stopped = ::kill(-m_group, SIGCONT) != 0;
+    return m_stopped;
 }
 
 } // namespace db::foreground

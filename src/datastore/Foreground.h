@@ -28,4 +28,26 @@ class Hold {
 // The main thread never waits for itself.
 bool waitUntilFree(int milliseconds);
 
+// A process group that works for a thread of the background (the reader of soft copies), for as
+// long as this object lives. The screens' next statement, key or click stops the group at once
+// (SIGSTOP), as does their work under way when it begins, so that their answer has the processor to itself;
+// the background continues it (SIGCONT) when the screens leave the store alone again, and for good at
+// destruction. A group of the main thread is never stopped.
+class YieldingGroup {
+  public:
+    explicit YieldingGroup(int group);
+    ~YieldingGroup();
+    YieldingGroup(const YieldingGroup&) = delete;
+    YieldingGroup& operator=(const YieldingGroup&) = delete;
+
+    // Continues the group once the screens leave the store alone; true while it stays stopped.
+    bool stopped();
+
+  private:
+    friend struct State;
+    int m_group;
+    bool m_counted;
+    bool m_stopped = false;
+};
+
 } // namespace db::foreground

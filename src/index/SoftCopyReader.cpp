@@ -1,5 +1,6 @@
 #include "index/SoftCopyReader.h"
 
+#include "datastore/Foreground.h"
 #include "index/SoftCopySettings.h"
 #include "index/reader/ReaderChannel.h"
 #include "index/reader/ReaderExit.h"
@@ -97,6 +98,9 @@ struct Wait {
     const std::atomic<bool>& cancel;
     bool& cancelled;
     bool timedOut = false;
+    // The helper's group while it reads, stopped while the screens work; the time it stands
+    // still does not count.
+    db::foreground::YieldingGroup* yielding = nullptr;
 
     // Until `fd` has something to read (or has closed); false when the waiting is over.
     bool readable(int fd) {
@@ -106,12 +110,19 @@ struct Wait {
                 cancelled = true;
                 return false;
             }
-            if (deadline.hasExpired()) {
+            const bool stopped = yielding && yielding->stopped();
+            if (!stopped && deadline.hasExpired()) {
                 timedOut = true;
                 return false;
             }
+            QElapsedTimer polled;
+            polled.start();
             pollfd watched{fd, POLLIN, 0};
-            const int ready = ::poll(&watched, 1, int(std::clamp<qint64>(deadline.remainingTime(), 0, 100)));
+            // A stopped helper is looked at more often, to be continued soon after the screens.
+            const int ready =
+                ::poll(&watched, 1, stopped ? 10 : int(std::clamp<qint64>(deadline.remainingTime(), 0, 100)));
+            if (stopped)
+                deadline += polled.elapsed();
             if (ready > 0 || (ready < 0 && errno != EINTR))
                 return true;
         }
@@ -326,8 +337,13 @@ std::optional<SoftCopyText> SoftCopyReader::readServed(const QStringList& argume
         }
         Ending ending;
         bool heard = false;
-        const Received received =
-            server->send(request) ? server->collect(wait, ending, heard) : Received::Gone;
+        Received received = Received::Gone;
+        if (server->send(request)) {
+            db::foreground::YieldingGroup yielding(server->pid);
+            wait.yielding = &yielding;
+            received = server->collect(wait, ending, heard);
+            wait.yielding = nullptr;
+        }
         if (received == Received::Frame) {
             const QMutexLocker lock(&m_serversLock);
             m_servers.push_back(std::move(server));

@@ -1,5 +1,6 @@
 // Reading the text of soft copies through the helper vorlane-reader: files of each kind made
 // here, bad input, and helpers that hang or crash.
+#include "datastore/Foreground.h"
 #include "index/SoftCopyReader.h"
 #include "support/SoftCopySamples.h"
 
@@ -29,6 +30,7 @@ class tst_SoftCopyReader : public QObject {
     void read();
     void oneReadingAfterAnother();
     void helperOfAThreadThatEnded();
+    void readingGivesWayToTheScreens();
 };
 
 void tst_SoftCopyReader::initTestCase() {
@@ -220,6 +222,36 @@ void tst_SoftCopyReader::helperOfAThreadThatEnded() {
     QVERIFY(
         reader.read(path(QStringLiteral("letter.docx"))).text.contains(QLatin1String("Quarterly report")));
     QCOMPARE(startedProcesses(false).size(), 1);
+}
+
+// A reading of the background stands still while the screens use the store, and the time it
+// stands still does not count against its limit.
+void tst_SoftCopyReader::readingGivesWayToTheScreens() {
+    SoftCopyReader reader;
+    reader.setHelper(QStringLiteral(VORLANE_READER));
+    reader.setTimeLimit(1);
+    SoftCopyText inThread;
+    std::atomic<bool> done{false};
+    std::unique_ptr<QThread> thread(QThread::create([&] {
+        inThread = reader.read(path(QStringLiteral("note.txt")));
+        done = true;
+    }));
+    {
+        const db::foreground::Hold screens; // a transaction of the screens
+        thread->start();
+        QTRY_COMPARE(startedProcesses(true).size(), 1);
+        const QString stat = QStringLiteral("/proc/%1/stat").arg(startedProcesses(true).constFirst());
+        const auto state = [&] {
+            QFile file(stat);
+            return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(2) : QByteArray();
+        };
+        QTRY_COMPARE(state(), QByteArray("T"));
+        QTest::qWait(1500);
+        QVERIFY(!done);
+    }
+    QVERIFY(thread->wait());
+    QCOMPARE(inThread.state, State::Read);
+    QCOMPARE(inThread.text, QStringLiteral("Crocodile café"));
 }
 
 QTEST_MAIN(tst_SoftCopyReader)
