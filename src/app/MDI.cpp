@@ -25,6 +25,7 @@
 #include <QShortcut>
 #include <QStatusBar>
 #include <QSysInfo>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -327,7 +328,21 @@ SoftCopyWork& MDI::softCopyWork() {
             new SoftCopyWork(QStringLiteral("%1:%2").arg(QSysInfo::machineHostName(),
                                                          QString::number(QCoreApplication::applicationPid())),
                              this);
-        connect(m_reading, &SoftCopyWork::progress, this, &MDI::showReading);
+        // The count of documents read changes at each one: the line shows it twice a second, so
+        // that the window does not redraw beside the clerk's work at every document.
+        m_readingShown = new QTimer(this);
+        m_readingShown->setSingleShot(true);
+        m_readingShown->setInterval(500);
+        connect(m_readingShown, &QTimer::timeout, this, [this] { showReading(m_done, m_total); });
+        connect(m_reading, &SoftCopyWork::progress, this, [this](qint64 done, qint64 total) {
+            const bool shown = m_total > 0;
+            m_done = done;
+            m_total = total;
+            if (!shown)
+                showReading(done, total);
+            else if (!m_readingShown->isActive())
+                m_readingShown->start();
+        });
         connect(m_reading, &SoftCopyWork::idle, this, [this] { showReading(0, 0); });
         // The worker thread ends before the application object goes, however the program ends.
         qAddPostRoutine([] { delete std::exchange(MDI::instance().m_reading, nullptr); });

@@ -11,6 +11,7 @@ class QLabel;
 class QMdiArea;
 class QPushButton;
 class SoftCopyWork;
+class QTimer;
 
 // A toolbar entry: a picture that acts as a button. It reports the mouse moving over it and
 // clicks; from the keyboard it takes the focus, lights up, and Enter or Space clicks it.
@@ -82,6 +83,7 @@ class MDI : public Form {
     void showReading(qint64 done, qint64 total);
     QPointer<ImageControl> m_lastEntry;
     SoftCopyWork* m_reading = nullptr;
+    QTimer* m_readingShown = nullptr; // the next showing of the count
     bool m_paused = false;
     qint64 m_done = 0;
     qint64 m_total = 0;
