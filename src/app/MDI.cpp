@@ -1,6 +1,7 @@
 #include "MDI.h"
 
 #include "ToolbarNames.h"
+#include "datastore/Foreground.h"
 #include "frmAbout.h"
 #include "index/SoftCopyWork.h"
 #include "platform/Error.h"
@@ -328,12 +329,18 @@ SoftCopyWork& MDI::softCopyWork() {
             new SoftCopyWork(QStringLiteral("%1:%2").arg(QSysInfo::machineHostName(),
                                                          QString::number(QCoreApplication::applicationPid())),
                              this);
-        // The count of documents read changes at each one: the line shows it twice a second, so
-        // that the window does not redraw beside the clerk's work at every document.
+        // The count of documents read changes at each one: the line shows it twice a second at
+        // most, and only while the screens are quiet, so that the window never redraws it beside
+        // the clerk's work.
         m_readingShown = new QTimer(this);
         m_readingShown->setSingleShot(true);
         m_readingShown->setInterval(500);
-        connect(m_readingShown, &QTimer::timeout, this, [this] { showReading(m_done, m_total); });
+        connect(m_readingShown, &QTimer::timeout, this, [this] {
+            if (db::foreground::inUse())
+                m_readingShown->start();
+            else
+                showReading(m_done, m_total);
+        });
         connect(m_reading, &SoftCopyWork::progress, this, [this](qint64 done, qint64 total) {
             const bool shown = m_total > 0;
             m_done = done;

@@ -81,6 +81,12 @@ Hold::~Hold() {
     s.released.notify_all();
 }
 
+bool inUse() {
+    State& s = state();
+    const std::lock_guard<std::mutex> guard(s.lock);
+    return !s.free(Clock::now());
+}
+
 bool waitUntilFree(int milliseconds) {
     if (inMainThread())
         return true;

@@ -24,6 +24,9 @@ class Hold {
     bool m_counted;
 };
 
+// Whether the screens use the store now, or did a moment ago.
+bool inUse();
+
 // Waits until the screens do not use the store, up to `milliseconds`: false when they still do.
 // The main thread never waits for itself.
 bool waitUntilFree(int milliseconds);
