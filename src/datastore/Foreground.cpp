@@ -30,8 +30,7 @@ struct State {
     void use() {
         lastUse = Clock::now();
         for (YieldingGroup* group : groups)
-            if (!group->m_stopped)
-                group->m_stopped = ::kill(-group->m_group, SIGSTOP) == 0;
+            group->stop(lastUse);
     }
 
     // Under the lock.
@@ -104,15 +103,17 @@ bool waitUntilFree(int milliseconds) {
     }
 }
 
-YieldingGroup::YieldingGroup(int group) : m_group(group), m_counted(!inMainThread()) {
+YieldingGroup::YieldingGroup(int group, std::chrono::milliseconds longest)
+    : m_group(group), m_counted(!inMainThread()), m_longest(longest) {
     if (!m_counted)
         return;
     State& s = state();
     const std::lock_guard<std::mutex> guard(s.lock);
     s.groups.push_back(this);
     // A group that starts while the screens work waits for them from the start.
-    if (!s.free(Clock::now()))
-        m_stopped = ::kill(-m_group, SIGSTOP) == 0;
+    const Clock::time_point now = Clock::now();
+    if (!s.free(now))
+        stop(now);
 }
 
 YieldingGroup::~YieldingGroup() {
@@ -121,8 +122,19 @@ YieldingGroup::~YieldingGroup() {
     State& s = state();
     const std::lock_guard<std::mutex> guard(s.lock);
     std::erase(s.groups, this);
+    resume();
+}
+
+void YieldingGroup::stop(Clock::time_point now) {
+    if (m_stopped || now < m_runsUntil)
+        return;
+    m_stopped = ::kill(-m_group, SIGSTOP) == 0;
+    m_stoppedAt = now;
+}
+
+void YieldingGroup::resume() {
     if (m_stopped)
-        ::kill(-m_group, SIGCONT);
+        m_stopped = ::kill(-m_group, SIGCONT) != 0;
 }
 
 bool YieldingGroup::stopped() {
@@ -130,8 +142,13 @@ bool YieldingGroup::stopped() {
         return false;
     State& s = state();
     const std::lock_guard<std::mutex> guard(s.lock);
-    if (m_stopped && s.free(Clock::now()))
-        m_stopped = ::kill(-m_group, SIGCONT) != 0;
+    const Clock::time_point now = Clock::now();
+    if (m_stopped && !s.free(now) && now >= m_stoppedAt + m_longest) {
+        m_runsUntil = now + std::chrono::seconds(1);
+        resume();
+    }
+    if (s.free(now))
+        resume();
     return m_stopped;
 }
 

@@ -5,6 +5,8 @@
 // a streaming statement open, and for a moment after each statement, which may be one of several
 // that a screen runs for one click. Meanwhile a write of the background would make the screen
 // wait for the file: the background waits first.
+#include <chrono>
+
 namespace db::foreground {
 
 // Notes that the calling thread uses the store, or is about to: the data layer tells each
@@ -38,7 +40,9 @@ bool waitUntilFree(int milliseconds);
 // destruction. A group of the main thread is never stopped.
 class YieldingGroup {
   public:
-    explicit YieldingGroup(int group);
+    // A group that the screens keep stopped for `longest` runs for a second before they may stop
+    // it again: screens that hold the store on and on slow the work down, never end it.
+    explicit YieldingGroup(int group, std::chrono::milliseconds longest = std::chrono::seconds(10));
     ~YieldingGroup();
     YieldingGroup(const YieldingGroup&) = delete;
     YieldingGroup& operator=(const YieldingGroup&) = delete;
@@ -48,9 +52,17 @@ class YieldingGroup {
 
   private:
     friend struct State;
+    using Clock = std::chrono::steady_clock;
+    // Under the lock of the state.
+    void stop(Clock::time_point now);
+    void resume();
+
     int m_group;
     bool m_counted;
+    std::chrono::milliseconds m_longest;
     bool m_stopped = false;
+    Clock::time_point m_stoppedAt;
+    Clock::time_point m_runsUntil; // not stopped before
 };
 
 } // namespace db::foreground

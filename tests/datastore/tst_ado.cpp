@@ -5,8 +5,11 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QtTest>
+#include <unistd.h>
 
 using testsupport::errorOf;
 
@@ -366,6 +369,42 @@ void AdoTest::backgroundWaitsWhileTheScreensHoldTheStore() {
     c->BeginTrans();
     c.reset();
     QVERIFY(freeFor(10000));
+
+    // A helper of the background stands still while the screens hold the store, and runs again
+    // after its longest stop though they still hold it.
+    QProcess helper;
+    helper.setChildProcessModifier([] { ::setpgid(0, 0); });
+    helper.start(QStringLiteral("sleep"), {QStringLiteral("30")});
+    QVERIFY(helper.waitForStarted());
+    const auto state = [stat = QStringLiteral("/proc/%1/stat").arg(helper.processId())] {
+        QFile file(stat);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(2) : QByteArray();
+    };
+    c = openStore();
+    c->BeginTrans();
+    QByteArray whileHeld, afterLongest;
+    std::unique_ptr<QThread> background(QThread::create([&] {
+        db::foreground::YieldingGroup group(int(helper.processId()), std::chrono::milliseconds(300));
+        QElapsedTimer waited;
+        waited.start();
+        // The signal reaches the process a moment after it is sent.
+        while (group.stopped() && state() != "T" && !waited.hasExpired(200))
+            QThread::msleep(1);
+        whileHeld = group.stopped() ? state() : QByteArray("running");
+        while (group.stopped() && !waited.hasExpired(10000))
+            QThread::msleep(10);
+        waited.restart();
+        while (state() == "T" && !waited.hasExpired(200))
+            QThread::msleep(1);
+        afterLongest = state();
+    }));
+    background->start();
+    QVERIFY(background->wait());
+    QCOMPARE(whileHeld, QByteArray("T"));
+    QVERIFY2(!afterLongest.isEmpty() && afterLongest != "T", afterLongest.constData());
+    c->RollbackTrans();
+    helper.kill();
+    helper.waitForFinished();
 }
 
 void AdoTest::textComparisonIgnoresCase() {
