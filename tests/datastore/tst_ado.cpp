@@ -376,10 +376,7 @@ void AdoTest::backgroundWaitsWhileTheScreensHoldTheStore() {
     helper.setChildProcessModifier([] { ::setpgid(0, 0); });
     helper.start(QStringLiteral("sleep"), {QStringLiteral("30")});
     QVERIFY(helper.waitForStarted());
-    const auto state = [stat = QStringLiteral("/proc/%1/stat").arg(helper.processId())] {
-        QFile file(stat);
-        return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(2) : QByteArray();
-    };
+    const auto state = [pid = helper.processId()] { return testsupport::processStat(pid).value(0); };
     c = openStore();
     c->BeginTrans();
     QByteArray whileHeld, afterLongest;

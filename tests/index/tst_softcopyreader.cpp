@@ -3,6 +3,7 @@
 #include "datastore/Foreground.h"
 #include "index/SoftCopyReader.h"
 #include "support/SoftCopySamples.h"
+#include "support/TestSupport.h"
 
 #include <QImage>
 #include <QPainter>
@@ -156,13 +157,9 @@ struct Process {
 QList<Process> processes() {
     QList<Process> all;
     for (const QString& pid : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        // The state, the parent and the group follow the command, which may hold spaces.
-        const QList<QByteArray> fields = file.readAll().split(')').constLast().split(' ');
-        if (fields.size() > 3)
-            all.append({pid.toLong(), fields[2].toLong(), fields[3].toLong(), fields[1] == "Z"});
+        const QList<QByteArray> fields = testsupport::processStat(pid.toLong());
+        if (fields.size() > 2)
+            all.append({pid.toLong(), fields[1].toLong(), fields[2].toLong(), fields[0] == "Z"});
     }
     return all;
 }
@@ -240,12 +237,8 @@ void tst_SoftCopyReader::readingGivesWayToTheScreens() {
         const db::foreground::Hold screens; // a transaction of the screens
         thread->start();
         QTRY_COMPARE(startedProcesses(true).size(), 1);
-        const QString stat = QStringLiteral("/proc/%1/stat").arg(startedProcesses(true).constFirst());
-        const auto state = [&] {
-            QFile file(stat);
-            return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(2) : QByteArray();
-        };
-        QTRY_COMPARE(state(), QByteArray("T"));
+        const long helper = startedProcesses(true).constFirst();
+        QTRY_COMPARE(testsupport::processStat(helper).value(0), QByteArray("T"));
         QTest::qWait(1500);
         QVERIFY(!done);
     }

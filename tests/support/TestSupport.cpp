@@ -279,4 +279,13 @@ QStringList messageKinds() {
     return out;
 }
 
+QList<QByteArray> processStat(long pid) {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    // The fields follow the command in brackets, which may hold spaces.
+    const QByteArray stat = file.readAll();
+    return stat.mid(stat.lastIndexOf(')') + 1).trimmed().split(' ');
+}
+
 } // namespace testsupport

@@ -83,4 +83,9 @@ QStringList messages();
 // differs between the engines.
 QStringList messageKinds();
 
+// The fields of /proc/<pid>/stat after the command: the state letter ("R", "S", "T" for
+// stopped, "Z" for ended and not reaped), the parent, the process group and the rest; empty
+// when there is no such process.
+QList<QByteArray> processStat(long pid);
+
 } // namespace testsupport
