@@ -1,5 +1,6 @@
 #include "Driver.h"
 
+#include "Median.h"
 #include "Office.h"
 #include "Process.h"
 #include "app/MDI.h"
@@ -123,13 +124,6 @@ void save(const char* step) {
         throw StepFailed{QStringLiteral("%1 showed: %2")
                              .arg(QLatin1String(step), shown.isEmpty() ? QStringLiteral("nothing") : shown)};
     report(step, ms);
-}
-
-// The middle of a few times.
-double median(std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    const std::size_t middle = times.size() / 2;
-    return times.size() % 2 == 1 ? times[middle] : (times[middle - 1] + times[middle]) / 2;
 }
 
 // Presses Search with the criteria set, and times the first rows and the whole list as Edit's

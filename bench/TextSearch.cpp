@@ -5,6 +5,7 @@
 // index's triggers.
 //   vorlane_textsearch <office folder> [text ...]
 // The office folder is one that vorlane_bench made, e.g. build/bench-data/office-1000000.
+#include "Median.h"
 #include "datastore/Engine.h"
 #include "datastore/sqlite/SqliteDialect.h"
 #include "datastore/sqlite/TextIndex.h"
@@ -69,11 +70,6 @@ QPair<double, int> timeSelect(db::Engine& engine, const QString& text) {
         best = std::min(best, double(timer.nsecsElapsed()) / 1e6);
     }
     return {best, rows};
-}
-
-double median(QVector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.isEmpty() ? 0 : values[values.size() / 2];
 }
 
 struct SaveTimes {
@@ -206,10 +202,10 @@ int main(int argc, char** argv) {
             out(QStringLiteral("synchronous=%1: save a new document %2 ms with the index, %3 ms without; "
                                "change a title %4 ms with, %5 ms without (medians of %6)")
                     .arg(QLatin1String(synchronous))
-                    .arg(median(with.inserts), 0, 'f', 2)
-                    .arg(median(without.inserts), 0, 'f', 2)
-                    .arg(median(with.updates), 0, 'f', 2)
-                    .arg(median(without.updates), 0, 'f', 2)
+                    .arg(bench::median(with.inserts), 0, 'f', 2)
+                    .arg(bench::median(without.inserts), 0, 'f', 2)
+                    .arg(bench::median(with.updates), 0, 'f', 2)
+                    .arg(bench::median(without.updates), 0, 'f', 2)
                     .arg(with.inserts.size()));
         }
     } catch (const platform::Error& e) {

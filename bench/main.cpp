@@ -11,6 +11,7 @@
 // Exits 0 whatever the times; 1 when a step failed (a wrong row count, a save that did not
 // succeed, a missing sqlite3 shell), 2 on a wrong command line.
 #include "Driver.h"
+#include "Median.h"
 #include "Office.h"
 #include "Process.h"
 #include "ServerOffice.h"
@@ -141,9 +142,7 @@ ScreenRun combine(const QList<ScreenRun>& runs) {
                 times << run.steps.value(it.key()).first;
                 it->second = std::max(it->second, run.steps.value(it.key()).second);
             }
-        std::sort(times.begin(), times.end());
-        const auto middle = times.size() / 2;
-        it->first = times.size() % 2 == 1 ? times[middle] : (times[middle - 1] + times[middle]) / 2;
+        it->first = bench::median(times);
     }
     for (const ScreenRun& run : runs.mid(1)) {
         all.failures << run.failures;
